@@ -1,0 +1,30 @@
+# Qt 5 and OpenGL.
+#
+# CMake shows imported targets only to the folder that found them and to those below it. A project that adds this one
+# links our libraries from above, and needs to see what they link: so what is found here is made global. What that
+# project found itself belongs to it and is left alone.
+set(PENDRIX_IMPORTED
+  Qt5::Core Qt5::Gui Qt5::Widgets Qt5::qmake Qt5::moc Qt5::rcc Qt5::uic
+  OpenGL::OpenGL OpenGL::GLX OpenGL::GL)
+set(PENDRIX_FOUND_HERE ${PENDRIX_IMPORTED})
+foreach(target IN LISTS PENDRIX_IMPORTED)
+  if(TARGET ${target})
+    list(REMOVE_ITEM PENDRIX_FOUND_HERE ${target})
+  endif()
+endforeach()
+
+find_package(Qt5 5.12 REQUIRED COMPONENTS Core Gui Widgets)
+if(Qt5Gui_OPENGL_IMPLEMENTATION MATCHES "GLES")
+  message(FATAL_ERROR
+    "This Qt was built for OpenGL ES, which has no fixed-function pipeline. "
+    "Pendrix 3D draws with the fixed-function pipeline and needs a Qt built for desktop OpenGL.")
+endif()
+
+set(OpenGL_GL_PREFERENCE GLVND)
+find_package(OpenGL REQUIRED)
+
+foreach(target IN LISTS PENDRIX_FOUND_HERE)
+  if(TARGET ${target})
+    set_target_properties(${target} PROPERTIES IMPORTED_GLOBAL TRUE)
+  endif()
+endforeach()

@@ -1,0 +1,21 @@
+#pragma once
+
+/// The floating-point arithmetic that the colours and the curve rely on, checked where the compiler can tell.
+///
+/// Every result of the program is fixed to the bit: IEEE 754 binary32 and binary64, each operation rounded once to
+/// the type that is written. Contraction into fused multiply-add leaves no trace that could be checked here; the
+/// build switches it off for every target (-ffp-contract=off).
+
+#include <cfloat>
+#include <limits>
+
+#if defined(__FAST_MATH__) || (defined(__FINITE_MATH_ONLY__) && __FINITE_MATH_ONLY__) || \
+    defined(__ASSOCIATIVE_MATH__) || defined(__RECIPROCAL_MATH__) || defined(__NO_SIGNED_ZEROS__)
+#error "The results are fixed to the bit: build without -ffast-math and its parts."
+#endif
+
+static_assert(std::numeric_limits<float>::is_iec559 && std::numeric_limits<float>::digits == 24,
+              "float must be IEEE 754 binary32");
+static_assert(std::numeric_limits<double>::is_iec559 && std::numeric_limits<double>::digits == 53,
+              "double must be IEEE 754 binary64");
+static_assert(FLT_EVAL_METHOD == 0, "intermediate results must have the type that is written (no x87 arithmetic)");

@@ -1,0 +1,325 @@
+#include "color/ColorScale.h"
+
+#include <QtTest>
+
+#include <array>
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace {
+
+using Channels = std::array<int, 3>;
+using Triple = std::array<double, 3>;
+
+Channels channelsOf(unsigned int c)
+{
+    const unsigned int low = c % 0x1000000U;
+    return {static_cast<int>(low / 0x10000U), static_cast<int>(low / 0x100U % 0x100U), static_cast<int>(low % 0x100U)};
+}
+
+unsigned int colorOf(const Channels &channels)
+{
+    return static_cast<unsigned int>((channels[0] * 256 + channels[1]) * 256 + channels[2]);
+}
+
+/// The low 8 bits of a finite value's integer part, by arithmetic on the value itself.
+int lowByte(double value)
+{
+    const double rest = std::fmod(std::trunc(value), 256.0);
+    return static_cast<int>(rest < 0.0 ? rest + 256.0 : rest);
+}
+
+// The textbook conversion, written from the hue's six sectors: the position of the largest channel chooses the
+// sector and the other two, in cyclic order, give the offset in it.
+Triple hlsOf(unsigned int c)
+{
+    const Channels bytes = channelsOf(c);
+    const Triple v = {bytes[0] / 255.0, bytes[1] / 255.0, bytes[2] / 255.0};
+    std::size_t largest = 0;
+    std::size_t smallest = 0;
+    for (std::size_t k = 1; k < 3; ++k) {
+        if (bytes[k] > bytes[largest])
+            largest = k;
+        if (bytes[k] < bytes[smallest])
+            smallest = k;
+    }
+    const double high = v[largest];
+    const double low = v[smallest];
+    const double lightness = 0.5 * (high + low);
+    if (bytes[largest] == bytes[smallest])
+        return {0.0, lightness, 0.0};
+    const double range = high - low;
+    const double saturation = lightness < 0.5 ? range / (high + low) : range / (2.0 - high - low);
+    const double offset = (v[(largest + 1) % 3] - v[(largest + 2) % 3]) / range;
+    const double hue = (largest == 0 ? offset : offset + 2.0 * static_cast<double>(largest)) / 6.0;
+    return {hue < 0.0 ? hue + 1.0 : hue, lightness, saturation};
+}
+
+unsigned int rgbOf(const Triple &hls)
+{
+    const auto [h, l, s] = hls;
+    if (s == 0.0) {
+        const int grey = lowByte(l * 255.0);
+        return colorOf({grey, grey, grey});
+    }
+    const double m2 = l <= 0.5 ? l * (s + 1.0) : (l + s) - s * l;
+    const double m1 = 2.0 * l - m2;
+    const std::array<double, 3> hues = {h + 0.33333333333333331, h, h - 0.33333333333333331};
+    Channels out = {};
+    for (std::size_t k = 0; k < 3; ++k) {
+        double x = hues[k];
+        x += x < 0.0 ? 1.0 : 0.0;
+        x -= x > 1.0 ? 1.0 : 0.0;
+        double value = m1;
+        if (x * 3.0 < 2.0)
+            value = (0.66666666666666663 - x) * (m2 - m1) * 6.0 + m1;
+        if (x * 2.0 < 1.0)
+            value = m2;
+        if (x * 6.0 < 1.0)
+            value = x * (m2 - m1) * 6.0 + m1;
+        out[k] = lowByte(value * 255.0);
+    }
+    return colorOf(out);
+}
+
+float clampedWeight(float w)
+{
+    return w < 0.0F ? 0.0F : (w > 1.0F ? 1.0F : w);
+}
+
+QByteArray hex(unsigned int c)
+{
+    return QByteArray("0x") + QByteArray::number(c, 16).rightJustified(8, '0');
+}
+
+} // namespace
+
+#define COMPARE_COLORS(actual, expected) QCOMPARE(hex(actual), hex(expected))
+
+class ColorScaleTest : public QObject
+{
+    Q_OBJECT
+
+    std::mt19937 random{20240611};
+
+    unsigned int randomColor() { return static_cast<unsigned int>(random()); }
+    float randomBetween(float low, float high) { return std::uniform_real_distribution<float>(low, high)(random); }
+
+private slots:
+    void knownBlends()
+    {
+        COMPARE_COLORS(ColorScaleRGB(0x000000, 0xFFFFFF, 0.5F), 0x808080U);
+        COMPARE_COLORS(ColorScaleHSL(0x000000, 0xFFFFFF, 0.5F), 0x7F7F7FU);
+        COMPARE_COLORS(ColorScaleHSL(0x0000FF, 0xFF0000, 0.25F), 0x00FEFFU);
+        COMPARE_COLORS(ColorScaleHSL(0x0000FF, 0xFF0000, 0.5F), 0x00FF00U);
+        COMPARE_COLORS(ColorScaleHSL(0x0000FF, 0xFF0000, 0.75F), 0xFFFE00U);
+        COMPARE_COLORS(ColorScaleHSL(0x0000FF, 0xFF0000, 1.0F / 512.0F), 0x0001FFU);
+        COMPARE_COLORS(ColorScaleHSL(0x0000FF, 0xFF0000, 511.0F / 512.0F), 0xFF0100U);
+        COMPARE_COLORS(ColorScaleHSL(0xFF0000, 0x0000FF, 0.5F), 0x00FF00U);
+        COMPARE_COLORS(ColorScaleRGB3(0xFF0000, 0x00FF00, 0x0000FF, 1.0F, 1.0F, 1.0F), 0x555555U);
+        COMPARE_COLORS(ColorScaleHSL3(0xFF0000, 0x00FF00, 0x0000FF, 1.0F, 1.0F, 1.0F), 0x00FF00U);
+    }
+
+    void endsKeepAllBits()
+    {
+        for (const auto blend : {ColorScaleRGB, ColorScaleHSL}) {
+            for (const float t : {0.0F, -0.0F, -1.0F, -1e38F, -std::numeric_limits<float>::infinity()})
+                COMPARE_COLORS(blend(0xAB123456, 0xCD654321, t), 0xAB123456U);
+            for (const float t : {1.0F, 1.5F, 1e38F, std::numeric_limits<float>::infinity()})
+                COMPARE_COLORS(blend(0xAB123456, 0xCD654321, t), 0xCD654321U);
+        }
+    }
+
+    void blendsClearTheTopByte()
+    {
+        COMPARE_COLORS(ColorScaleRGB(0xFF000000, 0xFFFFFFFF, 0.5F), 0x00808080U);
+        COMPARE_COLORS(ColorScaleHSL(0xFF000000, 0xFFFFFFFF, 0.5F), 0x007F7F7FU);
+        COMPARE_COLORS(ColorScaleRGB3(0xFF102030, 0xFF405060, 0xFF708090, 5.0F, 0.0F, 0.0F), 0x00102030U);
+        COMPARE_COLORS(HLStoRGB(0.0, 1.0, 0.0), 0x00FFFFFFU);
+    }
+
+    void weightsOfZeroGiveTheFirstColorWhole()
+    {
+        for (const auto blend : {ColorScaleRGB3, ColorScaleHSL3}) {
+            COMPARE_COLORS(blend(0xAB123456, 0x00FF00, 0x0000FF, 0.0F, -1.0F, 0.0F), 0xAB123456U);
+            COMPARE_COLORS(blend(0xAB123456, 0x00FF00, 0x0000FF, -1e38F, -0.0F, 0.0F), 0xAB123456U);
+        }
+    }
+
+    void weightsAboveOneCountAsOne()
+    {
+        for (const auto blend : {ColorScaleRGB3, ColorScaleHSL3}) {
+            COMPARE_COLORS(blend(0xFF8000, 0x00FF00, 0x0000FF, 5.0F, 0.0F, 0.0F),
+                           blend(0xFF8000, 0x00FF00, 0x0000FF, 1.0F, 0.0F, 0.0F));
+            COMPARE_COLORS(blend(0xFF8000, 0x20FF00, 0x0000FF, 3.0F, 0.5F, 1e38F),
+                           blend(0xFF8000, 0x20FF00, 0x0000FF, 1.0F, 0.5F, 1.0F));
+        }
+    }
+
+    void knownConversions()
+    {
+        double h = -1.0;
+        double l = -1.0;
+        double s = -1.0;
+        RGBtoHLS(0xFFFFFF, h, l, s);
+        QVERIFY(h == 0.0 && l == 1.0 && s == 0.0);
+        RGBtoHLS(0x0000FF, h, l, s);
+        QVERIFY(h == 2.0 / 3.0 && l == 0.5 && s == 1.0);
+        RGBtoHLS(0xFF0000, h, l, s);
+        QVERIFY(h == 0.0 && l == 0.5 && s == 1.0);
+        RGBtoHLS(0x99000000, h, l, s);
+        QVERIFY(h == 0.0 && l == 0.0 && s == 0.0);
+
+        RGBtoHLS(0xC86432, h, l, s);
+        COMPARE_COLORS(HLStoRGB(h, l, s), 0xC86431U);
+        COMPARE_COLORS(HLStoRGB(0.0, 1.0, 0.0), 0xFFFFFFU);
+    }
+
+    void lightnessOutOfRangeIsCutToItsLowByte()
+    {
+        COMPARE_COLORS(HLStoRGB(0.0, 2.0, 0.0), 0xFEFEFEU);   // 510 = 0x1FE
+        COMPARE_COLORS(HLStoRGB(0.0, -0.01, 0.0), 0xFEFEFEU); // -2.55 becomes -2
+        for (const double l : {1e10, -1e10, 3.1e15, 8.9e18, 9.3e18, -9.3e18, 1e300, -1e300})
+            COMPARE_COLORS(HLStoRGB(0.3, l, 0.0), static_cast<unsigned int>(lowByte(l * 255.0)) * 0x010101U);
+    }
+
+    void anyGarbageHasAResult()
+    {
+        const float nan = std::numeric_limits<float>::quiet_NaN();
+        COMPARE_COLORS(ColorScaleRGB(0x123456, 0x654321, nan), 0U);
+        QVERIFY(ColorScaleHSL(0x123456, 0x654321, nan) <= 0xFFFFFFU);
+        COMPARE_COLORS(ColorScaleRGB3(0x123456, 0x654321, 0x111111, nan, 1.0F, 0.0F), 0U);
+        QVERIFY(ColorScaleHSL3(0x123456, 0x654321, 0x111111, 0.0F, nan, 1.0F) <= 0xFFFFFFU);
+
+        const double inf = std::numeric_limits<double>::infinity();
+        for (const double h : {0.5, -inf, inf, double(nan), 1e300}) {
+            for (const double l : {0.5, -inf, inf, double(nan), 1e300}) {
+                for (const double s : {0.0, 0.5, -inf, inf, double(nan), 1e300})
+                    QVERIFY(HLStoRGB(h, l, s) <= 0xFFFFFFU);
+            }
+        }
+    }
+
+    void everyGreyAndEveryPaletteStep()
+    {
+        for (unsigned int v = 0; v < 256; ++v) {
+            double h = -1.0;
+            double l = -1.0;
+            double s = -1.0;
+            RGBtoHLS(v * 0x010101U, h, l, s);
+            QVERIFY(h == 0.0 && s == 0.0);
+            QCOMPARE(l, 0.5 * (v / 255.0 + v / 255.0));
+        }
+        for (int i = 1; i < 512; ++i) {
+            const double t = i / 512.0;
+            const Triple from = hlsOf(0x0000FF);
+            const Triple to = hlsOf(0xFF0000);
+            COMPARE_COLORS(
+                ColorScaleHSL(0x0000FF, 0xFF0000, static_cast<float>(i) / 512.0F),
+                rgbOf({(to[0] - from[0]) * t + from[0], (to[1] - from[1]) * t + from[1], (to[2] - from[2]) * t + from[2]}));
+        }
+    }
+
+    void conversionsOfRandomColors()
+    {
+        for (int k = 0; k < 100000; ++k) {
+            const unsigned int c = randomColor();
+            double h = -1.0;
+            double l = -1.0;
+            double s = -1.0;
+            RGBtoHLS(c, h, l, s);
+            const Triple expected = hlsOf(c);
+            QVERIFY2(h == expected[0] && l == expected[1] && s == expected[2], hex(c));
+            QVERIFY(h >= 0.0 && h < 1.0);
+            COMPARE_COLORS(HLStoRGB(h, l, s), rgbOf(expected));
+
+            // Back again: at most one unit lower in a channel, never higher.
+            const Channels in = channelsOf(c);
+            const Channels out = channelsOf(HLStoRGB(h, l, s));
+            for (std::size_t channel = 0; channel < 3; ++channel)
+                QVERIFY2(out[channel] == in[channel] || out[channel] == in[channel] - 1, hex(c));
+        }
+    }
+
+    void randomTriples()
+    {
+        std::uniform_real_distribution<double> wide(-1.5, 2.5);
+        for (int k = 0; k < 100000; ++k) {
+            const Triple hls = {wide(random), wide(random), k % 10 ? wide(random) : 0.0};
+            COMPARE_COLORS(HLStoRGB(hls[0], hls[1], hls[2]), rgbOf(hls));
+        }
+    }
+
+    void randomBlendsOfTwo()
+    {
+        for (int k = 0; k < 100000; ++k) {
+            const unsigned int c0 = randomColor();
+            const unsigned int c1 = randomColor();
+            const float t = k % 16 ? randomBetween(0.0F, 1.0F) : std::ldexp(randomBetween(0.5F, 1.0F), -k % 149);
+            if (!(t > 0.0F && t < 1.0F))
+                continue;
+
+            Channels rgb = {};
+            for (std::size_t channel = 0; channel < 3; ++channel) {
+                const float a = static_cast<float>(channelsOf(c0)[channel]);
+                const float b = static_cast<float>(channelsOf(c1)[channel]);
+                const float product = (b - a) * t;
+                const float value = product + a;
+                rgb[channel] = static_cast<int>(std::floor(static_cast<double>(value) + 0.5));
+            }
+            COMPARE_COLORS(ColorScaleRGB(c0, c1, t), colorOf(rgb));
+
+            const Triple from = hlsOf(c0);
+            const Triple to = hlsOf(c1);
+            Triple hls = {};
+            for (std::size_t n = 0; n < 3; ++n)
+                hls[n] = (to[n] - from[n]) * static_cast<double>(t) + from[n];
+            COMPARE_COLORS(ColorScaleHSL(c0, c1, t), rgbOf(hls));
+        }
+    }
+
+    void randomMeansOfThree()
+    {
+        for (int k = 0; k < 100000; ++k) {
+            const std::array<unsigned int, 3> c = {randomColor(), randomColor(), randomColor()};
+            std::array<float, 3> w = {randomBetween(-0.5F, 1.5F), randomBetween(-0.5F, 1.5F),
+                                      randomBetween(-0.5F, 1.5F)};
+            if (k % 8 == 0)
+                w[static_cast<std::size_t>(k / 8 % 3)] = std::ldexp(1.0F, -k % 149); // down to the smallest subnormal
+            const unsigned int rgbMean = ColorScaleRGB3(c[0], c[1], c[2], w[0], w[1], w[2]);
+            const unsigned int hslMean = ColorScaleHSL3(c[0], c[1], c[2], w[0], w[1], w[2]);
+
+            for (float &weight : w)
+                weight = clampedWeight(weight);
+            const float sum01 = w[0] + w[1];
+            const float sum = sum01 + w[2];
+            if (sum == 0.0F) {
+                COMPARE_COLORS(rgbMean, c[0]);
+                COMPARE_COLORS(hslMean, c[0]);
+                continue;
+            }
+
+            Channels rgb = {};
+            Triple hls = {};
+            for (std::size_t n = 0; n < 3; ++n) {
+                const float a = static_cast<float>(channelsOf(c[0])[n]) * w[0];
+                const float b = static_cast<float>(channelsOf(c[1])[n]) * w[1];
+                const float d = static_cast<float>(channelsOf(c[2])[n]) * w[2];
+                const float ab = b + a;
+                const float all = d + ab;
+                rgb[n] = static_cast<int>(std::floor(static_cast<double>(all) / static_cast<double>(sum) + 0.5));
+
+                const double ha = hlsOf(c[0])[n] * static_cast<double>(w[0]);
+                const double hb = hlsOf(c[1])[n] * static_cast<double>(w[1]);
+                const double hd = hlsOf(c[2])[n] * static_cast<double>(w[2]);
+                hls[n] = (hd + (hb + ha)) / static_cast<double>(sum);
+            }
+            COMPARE_COLORS(rgbMean, colorOf(rgb));
+            COMPARE_COLORS(hslMean, rgbOf(hls));
+        }
+    }
+};
+
+QTEST_APPLESS_MAIN(ColorScaleTest)
+#include "ColorScaleTest.moc"

@@ -1,0 +1,105 @@
+// A pass of the engine allocates nothing once its lists have grown.
+
+#include "engine/Pendrix3D.h"
+
+#include "tests/support/OpenGLStandIn.h"
+
+#include <QtTest>
+
+#include <cstdlib>
+
+namespace {
+
+long allocations = 0;
+
+} // namespace
+
+// Under AddressSanitizer the allocator reports to us; otherwise our own entry points stand before the C library's.
+#if defined(__SANITIZE_ADDRESS__)
+#define PENDRIX_ALLOCATION_HOOK
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define PENDRIX_ALLOCATION_HOOK
+#endif
+#endif
+
+#ifdef PENDRIX_ALLOCATION_HOOK
+
+#include <sanitizer/allocator_interface.h>
+
+namespace {
+
+void countAllocation(const volatile void * /*memory*/, std::size_t /*size*/)
+{
+    ++allocations;
+}
+
+void ignoreRelease(const volatile void * /*memory*/) {}
+
+const int hooksInstalled = __sanitizer_install_malloc_and_free_hooks(countAllocation, ignoreRelease);
+
+} // namespace
+
+#else
+
+extern "C" {
+
+void *__libc_malloc(std::size_t size);
+void *__libc_calloc(std::size_t count, std::size_t size);
+void *__libc_realloc(void *memory, std::size_t size);
+
+void *malloc(std::size_t size)
+{
+    ++allocations;
+    return __libc_malloc(size);
+}
+
+void *calloc(std::size_t count, std::size_t size)
+{
+    ++allocations;
+    return __libc_calloc(count, size);
+}
+
+void *realloc(void *memory, std::size_t size)
+{
+    ++allocations;
+    return __libc_realloc(memory, size);
+}
+
+} // extern "C"
+
+#endif
+
+class AllocationTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theCounterCounts()
+    {
+        const long before = allocations;
+        const QVector<float> allocated(1000, 1.0F);
+        QVERIFY(allocated.size() == 1000 && allocations > before);
+    }
+
+    void framesAllocateNothing()
+    {
+        OpenGLStandIn::setRecording(false);
+        QVector<QVector<float>> rows;
+        for (int mode = -1; mode <= 5; ++mode)
+            rows.append({1.0F, 2.0F, 3.0F, 0.1F, 0.2F, static_cast<float>(mode)});
+        pdx3.set(rows.first());
+
+        const long before = allocations;
+        for (int frame = 0; frame < 1000; ++frame) {
+            if (frame % 50 == 0)
+                pdx3.set(rows.at(frame / 50 % rows.size()));
+            pdx3.draw();
+            pdx3.next();
+        }
+        QCOMPARE(allocations - before, 0L);
+    }
+};
+
+QTEST_APPLESS_MAIN(AllocationTest)
+#include "AllocationTest.moc"

@@ -1,0 +1,128 @@
+#include "tests/support/OpenGLStandIn.h"
+
+#include <QtTest>
+#include <qopengl.h>
+
+#include <cstring>
+#include <initializer_list>
+
+namespace {
+
+QVector<OpenGLCall> recorded;
+bool recording = true;
+
+void record(const char *name, std::initializer_list<double> arguments)
+{
+    if (recording)
+        recorded.append({QByteArray::fromRawData(name, static_cast<int>(std::strlen(name))), arguments});
+}
+
+bool sameBits(double a, double b)
+{
+    return std::memcmp(&a, &b, sizeof a) == 0 || (a != a && b != b);
+}
+
+} // namespace
+
+bool operator==(const OpenGLCall &a, const OpenGLCall &b)
+{
+    return a.name == b.name && a.arguments.size() == b.arguments.size() &&
+           std::equal(a.arguments.begin(), a.arguments.end(), b.arguments.begin(), sameBits);
+}
+
+char *toString(const OpenGLCall &call)
+{
+    QByteArray text = call.name + '(';
+    for (int i = 0; i < call.arguments.size(); ++i)
+        text += (i ? ", " : "") + QByteArray::number(call.arguments.at(i), 'g', 17);
+    return qstrdup((text + ')').constData());
+}
+
+const QVector<OpenGLCall> &OpenGLStandIn::calls()
+{
+    return recorded;
+}
+
+void OpenGLStandIn::clear()
+{
+    recorded.resize(0);
+}
+
+void OpenGLStandIn::setRecording(bool on)
+{
+    recording = on;
+}
+
+extern "C" {
+
+void APIENTRY glBegin(GLenum mode)
+{
+    record("glBegin", {double(mode)});
+}
+
+void APIENTRY glEnd()
+{
+    record("glEnd", {});
+}
+
+void APIENTRY glVertex3f(GLfloat x, GLfloat y, GLfloat z)
+{
+    record("glVertex3f", {double(x), double(y), double(z)});
+}
+
+void APIENTRY glColor4f(GLfloat red, GLfloat green, GLfloat blue, GLfloat alpha)
+{
+    record("glColor4f", {double(red), double(green), double(blue), double(alpha)});
+}
+
+void APIENTRY glClearColor(GLclampf red, GLclampf green, GLclampf blue, GLclampf alpha)
+{
+    record("glClearColor", {double(red), double(green), double(blue), double(alpha)});
+}
+
+void APIENTRY glEnable(GLenum capability)
+{
+    record("glEnable", {double(capability)});
+}
+
+void APIENTRY glDepthFunc(GLenum function)
+{
+    record("glDepthFunc", {double(function)});
+}
+
+void APIENTRY glHint(GLenum target, GLenum mode)
+{
+    record("glHint", {double(target), double(mode)});
+}
+
+void APIENTRY glViewport(GLint x, GLint y, GLsizei width, GLsizei height)
+{
+    record("glViewport", {double(x), double(y), double(width), double(height)});
+}
+
+void APIENTRY glMatrixMode(GLenum mode)
+{
+    record("glMatrixMode", {double(mode)});
+}
+
+void APIENTRY glLoadIdentity()
+{
+    record("glLoadIdentity", {});
+}
+
+void APIENTRY glFrustum(GLdouble left, GLdouble right, GLdouble bottom, GLdouble top, GLdouble zNear, GLdouble zFar)
+{
+    record("glFrustum", {left, right, bottom, top, zNear, zFar});
+}
+
+void APIENTRY glTranslatef(GLfloat x, GLfloat y, GLfloat z)
+{
+    record("glTranslatef", {double(x), double(y), double(z)});
+}
+
+void APIENTRY glRotatef(GLfloat angle, GLfloat x, GLfloat y, GLfloat z)
+{
+    record("glRotatef", {double(angle), double(x), double(y), double(z)});
+}
+
+} // extern "C"

@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Runs a command on a virtual X display of its own with software OpenGL: on-virtual-display.sh COMMAND [ARGUMENT ...]
+# Ends with the command's exit status.
+set -euo pipefail
+
+scratch=$(mktemp --directory)
+Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3> "$scratch/display" 2> "$scratch/messages" &
+server=$!
+trap 'kill "$server" 2> /dev/null; wait "$server" 2> /dev/null; rm -rf "$scratch"' EXIT
+
+# Once it can be used, the server writes the number of the free display that it took.
+for _ in {1..400}; do
+  [ ! -s "$scratch/display" ] || break
+  kill -0 "$server" 2> /dev/null || break
+  sleep 0.05
+done
+if [ ! -s "$scratch/display" ]; then
+  echo "The virtual display did not start:" >&2
+  cat "$scratch/messages" >&2
+  exit 1
+fi
+
+DISPLAY=:$(< "$scratch/display")
+export DISPLAY LIBGL_ALWAYS_SOFTWARE=1 QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR="$scratch"
+unset WAYLAND_DISPLAY XAUTHORITY
+"$@"
