@@ -81,8 +81,7 @@ struct Weights
 
     unsigned int meanChannel(int a, int b, int c) const
     {
-        const float value =
-            static_cast<float>(c) * w2 + (static_cast<float>(b) * w1 + static_cast<float>(a) * w0);
+        const float value = static_cast<float>(c) * w2 + (static_cast<float>(b) * w1 + static_cast<float>(a) * w0);
         return byteOf(static_cast<double>(value) / static_cast<double>(sum) + 0.5);
     }
 
@@ -146,8 +145,7 @@ unsigned int ColorScaleRGB3(unsigned int c0, unsigned int c1, unsigned int c2, f
     const Weights weights(w0, w1, w2);
     if (weights.sum == 0.0F)
         return c0;
-    return packed(weights.meanChannel(red(c0), red(c1), red(c2)),
-                  weights.meanChannel(green(c0), green(c1), green(c2)),
+    return packed(weights.meanChannel(red(c0), red(c1), red(c2)), weights.meanChannel(green(c0), green(c1), green(c2)),
                   weights.meanChannel(blue(c0), blue(c1), blue(c2)));
 }
 

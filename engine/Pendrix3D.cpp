@@ -62,9 +62,8 @@ float wrapped(float position)
 } // namespace
 
 Pendrix3D::Pendrix3D()
-    : blankRow(rowLength, 0.0F),
-      header{QStringLiteral("freq1"),  QStringLiteral("freq2"),  QStringLiteral("freq3"),
-             QStringLiteral("phase1"), QStringLiteral("phase2"), QStringLiteral("color")}
+    : blankRow(rowLength, 0.0F), header{QStringLiteral("freq1"),  QStringLiteral("freq2"),  QStringLiteral("freq3"),
+                                        QStringLiteral("phase1"), QStringLiteral("phase2"), QStringLiteral("color")}
 {
     palette = new unsigned int[static_cast<std::size_t>(paletteSize)];
     for (int i = 0; i < paletteSize; ++i)

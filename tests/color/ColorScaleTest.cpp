@@ -215,9 +215,9 @@ private slots:
             const double t = i / 512.0;
             const Triple from = hlsOf(0x0000FF);
             const Triple to = hlsOf(0xFF0000);
-            COMPARE_COLORS(
-                ColorScaleHSL(0x0000FF, 0xFF0000, static_cast<float>(i) / 512.0F),
-                rgbOf({(to[0] - from[0]) * t + from[0], (to[1] - from[1]) * t + from[1], (to[2] - from[2]) * t + from[2]}));
+            COMPARE_COLORS(ColorScaleHSL(0x0000FF, 0xFF0000, static_cast<float>(i) / 512.0F),
+                           rgbOf({(to[0] - from[0]) * t + from[0], (to[1] - from[1]) * t + from[1],
+                                  (to[2] - from[2]) * t + from[2]}));
         }
     }
 

@@ -152,10 +152,10 @@ QByteArray difference(const Machine &machine)
 
 } // namespace
 
-#define VERIFY_CURVE()                                   \
-    do {                                                 \
-        const QByteArray different = difference(current()); \
-        QVERIFY2(different.isEmpty(), different);        \
+#define VERIFY_CURVE()                                                                                                 \
+    do {                                                                                                               \
+        const QByteArray different = difference(current());                                                            \
+        QVERIFY2(different.isEmpty(), different);                                                                      \
     } while (false)
 
 class CurveTest : public QObject
@@ -254,8 +254,8 @@ private slots:
 
     void awkwardValues()
     {
-        const std::array<float, 14> values = {notANumber, infinity, -infinity, 1e38F,  -1e38F, 3.4028235e38F, 1e-45F,
-                                              -1e-45F,    1e-38F,   -0.0F,     1e10F,  -1e10F, 1.0F,          0.0F};
+        const std::array<float, 14> values = {notANumber, infinity, -infinity, 1e38F, -1e38F, 3.4028235e38F, 1e-45F,
+                                              -1e-45F,    1e-38F,   -0.0F,     1e10F, -1e10F, 1.0F,          0.0F};
         for (std::size_t column = 0; column < 6; ++column) {
             for (const float value : values) {
                 QVector<float> row = {1.0F, 2.0F, 3.0F, 0.1F, 0.2F, 2.0F};

@@ -39,10 +39,10 @@ QVector<Row> expectedPresets()
                       n0_29 = 0x3E947AE1, n0_30 = 0x3E99999A, n0_37 = 0x3EBD70A4, n0_43 = 0x3EDC28F6,
                       n0_46 = 0x3EEB851F, tiny = 0x3280D959; // 1.5e-8
     return {
-        {n1, n2, n3, n0_46, tiny, n1},    {n2, n3, n4, n0_25, n0, n2},     {n1, n3, n1, n0_25, tiny, n4},
-        {n2, n1, n3, n0_37, n0, n2},      {n2, n2, n11, n0_25, tiny, n2},  {n1, n1, n1_01, n0_25, n0_29, n0},
-        {n4, n4, n22, n0_25, n0, n4},     {n1, n1, n4, n0_43, tiny, n3},   {n1, n2, n0, n0_10, n0_30, n2},
-        {n6, n3, n2, n0_21, n0_30, n0},   {n1, n2, m1, n0_10, n0_30, n2},  {n6, m3, n2, n0_21, n0_30, n0},
+        {n1, n2, n3, n0_46, tiny, n1},  {n2, n3, n4, n0_25, n0, n2},    {n1, n3, n1, n0_25, tiny, n4},
+        {n2, n1, n3, n0_37, n0, n2},    {n2, n2, n11, n0_25, tiny, n2}, {n1, n1, n1_01, n0_25, n0_29, n0},
+        {n4, n4, n22, n0_25, n0, n4},   {n1, n1, n4, n0_43, tiny, n3},  {n1, n2, n0, n0_10, n0_30, n2},
+        {n6, n3, n2, n0_21, n0_30, n0}, {n1, n2, m1, n0_10, n0_30, n2}, {n6, m3, n2, n0_21, n0_30, n0},
     };
 }
 
@@ -282,8 +282,8 @@ private slots:
                 // A colour's components are 16 bits wide, the byte twice; their share of the whole, to float.
                 const QRgb rgb = pdx3.colors.at(i).rgb();
                 const auto share = [](int byte) { return double(static_cast<float>(byte * 257 / 65535.0)); };
-                QCOMPARE(calls.at(2 + 2 * i), (OpenGLCall{"glColor4f", {share(qRed(rgb)), share(qGreen(rgb)),
-                                                                        share(qBlue(rgb)), 1.0}}));
+                QCOMPARE(calls.at(2 + 2 * i),
+                         (OpenGLCall{"glColor4f", {share(qRed(rgb)), share(qGreen(rgb)), share(qBlue(rgb)), 1.0}}));
             }
         }
     }

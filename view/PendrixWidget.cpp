@@ -1,0 +1,16 @@
+#include "view/PendrixWidget.h"
+
+#include "engine/Pendrix3D.h"
+
+PendrixWidget::PendrixWidget(QWidget *parent) : Renderer(parent) {}
+
+void PendrixWidget::renderScene()
+{
+    pdx3.draw();
+    pdx3.next();
+}
+
+void PendrixWidget::initScene()
+{
+    distance = -5.0F;
+}
