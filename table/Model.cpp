@@ -1,0 +1,79 @@
+#include "table/Model.h"
+
+#include "engine/Pendrix3D.h"
+
+namespace {
+
+/// Whether `index` names a value of the parameter list.
+bool hasValue(const QModelIndex &index)
+{
+    return index.row() >= 0 && index.row() < pdx3.paramList.size() && index.column() >= 0 &&
+           index.column() < pdx3.paramList.at(index.row()).size();
+}
+
+} // namespace
+
+Model::Model(QObject *parent) : QAbstractTableModel(parent) {}
+
+Model::~Model() = default;
+
+int Model::rowCount(const QModelIndex & /*parent*/) const
+{
+    return pdx3.paramList.size();
+}
+
+int Model::columnCount(const QModelIndex & /*parent*/) const
+{
+    return pdx3.header.size();
+}
+
+QVariant Model::data(const QModelIndex &index, int role) const
+{
+    if (!hasValue(index))
+        return {};
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+        return pdx3.paramList.at(index.row()).at(index.column());
+    case Qt::TextAlignmentRole:
+        return static_cast<int>(Qt::AlignRight);
+    default:
+        return {};
+    }
+}
+
+bool Model::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (role != Qt::EditRole || !hasValue(index))
+        return true;
+    bool converted = false;
+    const float number = value.toFloat(&converted);
+    if (converted)
+        pdx3.paramList[index.row()][index.column()] = number;
+    return true;
+}
+
+QVariant Model::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (role != Qt::DisplayRole)
+        return {};
+    if (orientation == Qt::Vertical)
+        return QString::number(section + 1);
+    if (section < 0 || section >= pdx3.header.size())
+        return {};
+    return pdx3.header.at(section);
+}
+
+Qt::ItemFlags Model::flags(const QModelIndex &index) const
+{
+    const Qt::ItemFlags base = QAbstractTableModel::flags(index);
+    return index.isValid() ? base | Qt::ItemIsEditable : base;
+}
+
+void Model::refresh()
+{
+    const QModelIndex topLeft = index(0, 0);
+    // One past the last cell: no index at all, which a view takes as a change of the whole table.
+    const QModelIndex bottomRight = index(rowCount(), columnCount());
+    emit dataChanged(topLeft, bottomRight);
+}
