@@ -135,7 +135,7 @@ unsigned int ColorScaleHSL(unsigned int c0, unsigned int c1, float t)
 
     RGBtoHLS(c0, pair[0].h, pair[0].l, pair[0].s);
     RGBtoHLS(c1, pair[1].h, pair[1].l, pair[1].s);
-    const double fraction = static_cast<double>(t);
+    const auto fraction = static_cast<double>(t);
     return HLStoRGB(between(pair[0].h, pair[1].h, fraction), between(pair[0].l, pair[1].l, fraction),
                     between(pair[0].s, pair[1].s, fraction));
 }

@@ -87,7 +87,8 @@ void Pendrix3D::set(int n)
     set(presets.value(setIndex));
 }
 
-void Pendrix3D::set(QVector<float> row)
+// By value as the interface has it: a caller may hand over a row of the list that it is about to change.
+void Pendrix3D::set(QVector<float> row) // NOLINT(performance-unnecessary-value-param)
 {
     if (row.size() < rowLength)
         return;

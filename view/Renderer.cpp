@@ -129,7 +129,7 @@ void Renderer::resizeGL(int w, int h)
     glViewport(0, 0, w, h);
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();
-    const double aspect = static_cast<double>(static_cast<float>(w) / static_cast<float>(h));
+    const auto aspect = static_cast<double>(static_cast<float>(w) / static_cast<float>(h));
     constexpr double t = 0.4142135623730951; // tan 22.5 degrees, half of the 45 degree vertical field of view
     glFrustum(-aspect * t, aspect * t, -t, t, 1.0, 1000.0);
     glMatrixMode(GL_MODELVIEW);

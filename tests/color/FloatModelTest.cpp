@@ -58,7 +58,7 @@ private slots:
         const int bytes[] = {29, 31};
         quotients(bytes, out);
         for (int i = 0; i < 2; ++i) {
-            volatile float rounded = static_cast<float>(bytes[i] / 65535.0);
+            volatile auto rounded = static_cast<float>(bytes[i] / 65535.0);
             QVERIFY(out[i] == double(rounded));
         }
 
@@ -66,7 +66,7 @@ private slots:
         const double b[] = {1.3, 1.7};
         products(a, b, out);
         for (int i = 0; i < 2; ++i) {
-            volatile float rounded = static_cast<float>(a[i] * b[i]);
+            volatile auto rounded = static_cast<float>(a[i] * b[i]);
             QVERIFY(out[i] == double(rounded) * 3.0);
         }
     }
@@ -81,7 +81,7 @@ private slots:
 
     void noAlgebraIsDone()
     {
-        const float tenth = static_cast<float>(third * 0.3);
+        const auto tenth = static_cast<float>(third * 0.3);
         volatile float large = 1e8F;
         QVERIFY((tenth + large) - large != tenth);
         volatile float minusZero = -0.0F;

@@ -25,7 +25,8 @@ long allocations = 0;
 
 #ifdef PENDRIX_ALLOCATION_HOOK
 
-#include <sanitizer/allocator_interface.h>
+extern "C" int __sanitizer_install_malloc_and_free_hooks( // NOLINT(*-reserved-identifier,cert-dcl*)
+    void (*allocated)(const volatile void *, std::size_t), void (*released)(const volatile void *));
 
 namespace {
 
@@ -42,6 +43,7 @@ const int hooksInstalled = __sanitizer_install_malloc_and_free_hooks(countAlloca
 
 #else
 
+// NOLINTBEGIN(*-reserved-identifier,cert-dcl*,readability-inconsistent-declaration-parameter-name)
 extern "C" {
 
 void *__libc_malloc(std::size_t size);
@@ -67,6 +69,7 @@ void *realloc(void *memory, std::size_t size)
 }
 
 } // extern "C"
+  // NOLINTEND(*-reserved-identifier,cert-dcl*,readability-inconsistent-declaration-parameter-name)
 
 #endif
 

@@ -118,8 +118,12 @@ std::vector<Sample> trace(const Machine &machine)
 
 bool sameFloat(float a, float b)
 {
+    quint32 bitsOfA = 0;
+    quint32 bitsOfB = 0;
+    std::memcpy(&bitsOfA, &a, sizeof a);
+    std::memcpy(&bitsOfB, &b, sizeof b);
     // IEEE 754 leaves open which NaN an operation on NaNs gives.
-    return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
+    return bitsOfA == bitsOfB || (std::isnan(a) && std::isnan(b));
 }
 
 /// Empty if the engine's curve is the one of `machine`, else the first difference.

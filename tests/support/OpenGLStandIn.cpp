@@ -3,23 +3,33 @@
 #include <QtTest>
 #include <qopengl.h>
 
+#include <cmath>
 #include <cstring>
 #include <initializer_list>
 
 namespace {
 
-QVector<OpenGLCall> recorded;
 bool recording = true;
+
+QVector<OpenGLCall> &recorded()
+{
+    static QVector<OpenGLCall> calls;
+    return calls;
+}
 
 void record(const char *name, std::initializer_list<double> arguments)
 {
     if (recording)
-        recorded.append({QByteArray::fromRawData(name, static_cast<int>(std::strlen(name))), arguments});
+        recorded().append({QByteArray::fromRawData(name, static_cast<int>(std::strlen(name))), arguments});
 }
 
 bool sameBits(double a, double b)
 {
-    return std::memcmp(&a, &b, sizeof a) == 0 || (a != a && b != b);
+    quint64 bitsOfA = 0;
+    quint64 bitsOfB = 0;
+    std::memcpy(&bitsOfA, &a, sizeof a);
+    std::memcpy(&bitsOfB, &b, sizeof b);
+    return bitsOfA == bitsOfB || (std::isnan(a) && std::isnan(b));
 }
 
 } // namespace
@@ -40,12 +50,12 @@ char *toString(const OpenGLCall &call)
 
 const QVector<OpenGLCall> &OpenGLStandIn::calls()
 {
-    return recorded;
+    return recorded();
 }
 
 void OpenGLStandIn::clear()
 {
-    recorded.resize(0);
+    recorded().resize(0);
 }
 
 void OpenGLStandIn::setRecording(bool on)

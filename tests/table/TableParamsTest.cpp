@@ -6,6 +6,7 @@
 
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QSignalSpy>
 
 namespace {
 
@@ -141,11 +142,10 @@ private slots:
     void aShiftClickShowsOneRowOfItsRange()
     {
         click(2, 1);
-        QItemSelection added;
-        connect(table->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-                [&added](const QItemSelection &selected) { added = selected; });
+        const QSignalSpy changed(table->selectionModel(), &QItemSelectionModel::selectionChanged);
         click(6, 1, Qt::ShiftModifier);
         QCOMPARE(table->selectionModel()->selectedIndexes().size(), 5);
+        const auto added = changed.at(0).at(0).value<QItemSelection>();
         QCOMPARE(added.indexes().size(), 4);
         QCOMPARE(onScreen(), pdx3.paramList.at(added.indexes().first().row()));
     }

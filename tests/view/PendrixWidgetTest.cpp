@@ -45,7 +45,8 @@ public:
 
     void stop()
     {
-        for (QTimer *timer : findChildren<QTimer *>())
+        const QList<QTimer *> timers = findChildren<QTimer *>();
+        for (QTimer *timer : timers)
             timer->stop();
         QTest::qWait(200);
     }
@@ -66,9 +67,9 @@ QPointF onScreen(const CurvePoint &point, const Scene &scene, const QSize &pixel
         b = a * s + b * c;
         a = first;
     };
-    double x = double(point.x);
-    double y = double(point.y);
-    double z = double(point.z);
+    auto x = double(point.x);
+    auto y = double(point.y);
+    auto z = double(point.z);
     turned(x, y, radians(scene.angles[2]));
     turned(z, x, radians(scene.angles[1]));
     turned(y, z, radians(2880 - scene.angles[0]));

@@ -36,7 +36,7 @@ const OpenGLCall sceneDrawn = {"glBegin", {GL_POINTS}};
 
 Calls frustum(int w, int h)
 {
-    const double aspect = double(static_cast<float>(w) / static_cast<float>(h));
+    const auto aspect = double(static_cast<float>(w) / static_cast<float>(h));
     const double t = 0.4142135623730951;
     return {
         {"glViewport", {0.0, 0.0, double(w), double(h)}},
@@ -131,15 +131,15 @@ private slots:
     void paintAtEveryAngle()
     {
         Probe view;
-        for (int angle = 0; angle <= 5760; angle += 7) {
+        for (int angle = 0; angle <= 2880; angle += 7) {
             view.setXRotation(angle);
             view.setYRotation(5760 - angle);
-            view.setZRotation(angle / 2);
+            view.setZRotation(2 * angle);
             OpenGLStandIn::clear();
             view.paintGL();
             // Sixteenths of a degree up to 360 are exact in float and in double alike.
             QCOMPARE(OpenGLStandIn::calls(),
-                     camera(-6.0, 180.0 - angle / 16.0, (5760 - angle) / 16.0, angle / 2 / 16.0, 0.0));
+                     camera(-6.0, 180.0 - angle / 16.0, (5760 - angle) / 16.0, 2 * angle / 16.0, 0.0));
         }
     }
 

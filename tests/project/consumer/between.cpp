@@ -1,0 +1,4 @@
+int between()
+{
+    return 42;
+}

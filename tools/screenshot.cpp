@@ -1,0 +1,132 @@
+// Takes a picture of the program: screenshot PROGRAM FILE
+//
+// Starts PROGRAM, waits until its window shows the curve, saves the window's picture as FILE (PNG), closes the window
+// the way a window manager's close button does, and ends with PROGRAM's exit status, or 1 if anything went wrong.
+
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QImage>
+#include <QPixmap>
+#include <QProcess>
+#include <QScreen>
+#include <QTextStream>
+
+#include <algorithm>
+
+// After Qt's headers: X11 defines macros of everyday names.
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+
+namespace {
+
+constexpr int patience = 60000; // ms; a software renderer on a loaded machine starts slowly
+constexpr int pause = 50;       // ms between two looks
+
+/// The top-level window with title `title`, or 0.
+Window findWindow(Display *display, const char *title)
+{
+    Window root = 0;
+    Window parent = 0;
+    Window *children = nullptr;
+    unsigned int count = 0;
+    if (!XQueryTree(display, DefaultRootWindow(display), &root, &parent, &children, &count))
+        return 0;
+    Window found = 0;
+    for (unsigned int i = 0; i < count && !found; ++i) {
+        XWindowAttributes attributes;
+        char *name = nullptr;
+        if (XGetWindowAttributes(display, children[i], &attributes) && attributes.map_state == IsViewable &&
+            XFetchName(display, children[i], &name) && name) {
+            if (qstrcmp(name, title) == 0)
+                found = children[i];
+            XFree(name);
+        }
+    }
+    if (children)
+        XFree(children);
+    return found;
+}
+
+/// Whether `picture` shows the curve: many vivid pixels in the right half; widgets are grey or nearly so.
+bool showsCurve(const QImage &picture)
+{
+    constexpr int enough = 1000;
+    int vivid = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = picture.width() / 2; x < picture.width(); ++x) {
+            const QRgb pixel = picture.pixel(x, y);
+            const auto range = std::minmax({qRed(pixel), qGreen(pixel), qBlue(pixel)});
+            if (range.second - range.first > 128)
+                ++vivid;
+        }
+    }
+    return vivid >= enough;
+}
+
+/// Asks the window to close, as its close button would.
+void askToClose(Display *display, Window window)
+{
+    XEvent event = {};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = window;
+    event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", False);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", False));
+    event.xclient.data.l[1] = CurrentTime;
+    XSendEvent(display, window, False, NoEventMask, &event);
+    XSync(display, False);
+}
+
+/// Windows come and go while we look; that one has gone is an answer and no error.
+int ignoreError(Display * /*display*/, XErrorEvent * /*event*/)
+{
+    return 0;
+}
+
+int failed(const QString &why)
+{
+    QTextStream(stderr) << "screenshot: " << why << '\n';
+    return 1;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QGuiApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() != 3)
+        return failed(QStringLiteral("usage: screenshot PROGRAM FILE"));
+    const QString &file = arguments.at(2);
+
+    Display *display = XOpenDisplay(nullptr);
+    if (!display)
+        return failed(QStringLiteral("no X display"));
+    XSetErrorHandler(ignoreError);
+
+    QProcess program;
+    program.setProcessChannelMode(QProcess::ForwardedChannels);
+    program.start(arguments.at(1), QStringList());
+
+    QElapsedTimer clock;
+    clock.start();
+    Window window = 0;
+    QImage picture;
+    while (!showsCurve(picture)) {
+        if (program.waitForFinished(pause) || program.state() == QProcess::NotRunning)
+            return failed(QStringLiteral("the program ended by itself"));
+        if (clock.elapsed() > patience)
+            return failed(window ? QStringLiteral("the window shows no curve") : QStringLiteral("no window appeared"));
+        window = findWindow(display, "Pendrix 3D");
+        if (window)
+            picture = QGuiApplication::primaryScreen()->grabWindow(window).toImage();
+    }
+    if (!picture.save(file, "PNG"))
+        return failed(QStringLiteral("cannot write %1").arg(file));
+
+    askToClose(display, window);
+    if (!program.waitForFinished(patience))
+        return failed(QStringLiteral("the window did not close"));
+    XCloseDisplay(display);
+    return program.exitStatus() == QProcess::NormalExit ? program.exitCode() : 1;
+}
