@@ -15,7 +15,8 @@ install_missing "${to_build[@]}"
 cmake --preset release
 cmake --build --preset release --target pendrix3d pendrix_screenshot
 
-if [ -z "$picture" ] && [ -n "${DISPLAY-}${WAYLAND_DISPLAY-}" ]; then
+# Without arguments the tool only tells whether a display can be reached.
+if [ -z "$picture" ] && build/release/tools/pendrix_screenshot; then
   exec build/release/pendrix3d
 fi
 if [ -z "$picture" ]; then

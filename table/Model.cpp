@@ -29,12 +29,10 @@ int Model::columnCount(const QModelIndex & /*parent*/) const
 
 QVariant Model::data(const QModelIndex &index, int role) const
 {
-    if (!hasValue(index))
-        return {};
     switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole:
-        return pdx3.paramList.at(index.row()).at(index.column());
+        return hasValue(index) ? pdx3.paramList.at(index.row()).at(index.column()) : QVariant();
     case Qt::TextAlignmentRole:
         return static_cast<int>(Qt::AlignRight);
     default:

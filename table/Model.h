@@ -19,7 +19,7 @@ public:
     int columnCount(const QModelIndex &parent = QModelIndex()) const override;
 
     /// The cell's float for display and edit, right alignment for the text alignment, nothing for any other role.
-    /// Nothing too for an index without a cell.
+    /// An index without a cell has no float.
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
 
     /// Stores `value` in the cell if the role is edit and the value converts to a float.
@@ -30,7 +30,7 @@ public:
     /// The column titles, and the row numbers counted from 1.
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
 
-    /// The flags of a table cell, and editable.
+    /// The flags of a table cell, and editable. An index without a cell has none.
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
     /// Tells the view that every cell may have changed. Called by all who write to the parameter list outside the

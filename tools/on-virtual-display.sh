@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # Runs a command on a virtual X display of its own with software OpenGL: on-virtual-display.sh COMMAND [ARGUMENT ...]
-# Ends with the command's exit status.
+# The command has a settings folder of its own, too, so that the user's is left alone. Ends with its exit status.
 set -euo pipefail
 
 scratch=$(mktemp --directory)
 Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3> "$scratch/display" 2> "$scratch/messages" &
 server=$!
-trap 'kill "$server" 2> /dev/null; wait "$server" 2> /dev/null; rm -rf "$scratch"' EXIT
+trap 'kill "$server" 2> /dev/null || :; wait "$server" 2> /dev/null || :; rm -rf "$scratch"' EXIT
 
 # Once it can be used, the server writes the number of the free display that it took.
 for _ in {1..400}; do
@@ -21,6 +21,6 @@ if [ ! -s "$scratch/display" ]; then
 fi
 
 DISPLAY=:$(< "$scratch/display")
-export DISPLAY LIBGL_ALWAYS_SOFTWARE=1 QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR="$scratch"
+export DISPLAY LIBGL_ALWAYS_SOFTWARE=1 QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR=$scratch XDG_CONFIG_HOME=$scratch/settings
 unset WAYLAND_DISPLAY XAUTHORITY
 "$@"

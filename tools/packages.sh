@@ -1,27 +1,27 @@
 # shellcheck shell=bash
 # Sourced by the scripts: installs what they need on Debian, elsewhere says what is missing.
 
-# A requirement is Debian's package and, after a colon, how to see that it is there on a system without dpkg.
+# A requirement is Debian's package and, after a colon, the probe that tells on a system without dpkg.
 # shellcheck disable=SC2034 # used by those who source this file
 to_build=(
-  "g++:command -v c++"
-  "cmake:command -v cmake"
-  "ninja-build:command -v ninja"
-  "qtbase5-dev:pkg-config --exists Qt5Widgets Qt5Test"
-  "libgl-dev:pkg-config --exists gl"
-  "libx11-dev:pkg-config --exists x11"
-  "libgl1-mesa-dri:true"
-  "fonts-dejavu-core:true"
-  "xvfb:command -v Xvfb"
+  "g++:program c++"
+  "cmake:program cmake"
+  "ninja-build:program ninja"
+  "qtbase5-dev:modules Qt5Widgets Qt5Test"
+  "libgl-dev:modules gl"
+  "libx11-dev:modules x11"
+  "libgl1-mesa-dri:nothing"
+  "fonts-dejavu-core:nothing"
+  "xvfb:program Xvfb"
 )
 # shellcheck disable=SC2034
 to_check=(
-  "clang:command -v clang++"
-  "clang-format:command -v clang-format"
-  "clang-tidy:command -v clang-tidy"
-  "clazy:command -v clazy-standalone"
-  "libbenchmark-dev:pkg-config --exists benchmark"
-  "shellcheck:command -v shellcheck"
+  "clang:program clang++"
+  "clang-format:program clang-format"
+  "clang-tidy:program clang-tidy"
+  "clazy:program clazy-standalone"
+  "libbenchmark-dev:modules benchmark"
+  "shellcheck:program shellcheck"
 )
 
 # install_missing REQUIREMENT ...: makes them present, or stops the script with a word on what is missing.
@@ -52,10 +52,18 @@ install_missing() {
     apt-get -qq -o Dpkg::Use-Pty=0 install --yes --no-install-recommends "${missing[@]}" > /dev/null
 }
 
+probe_program() { command -v "$1"; }
+
+# Without pkg-config nothing can be said, and CMake will tell.
+probe_modules() { ! command -v pkg-config || pkg-config --exists "$@"; }
+
+probe_nothing() { :; }
+
 is_present() {
   if command -v dpkg-query > /dev/null; then
-    [ "$(dpkg-query --show --showformat='${db:Status-Status}' "${1%%:*}" 2> /dev/null)" = installed ]
+    dpkg-query --show --showformat='${db:Status-Status}\n' "${1%%:*}" 2> /dev/null | grep --quiet --line-regexp installed
   else
-    bash -c "${1#*:}" > /dev/null 2>&1
+    # shellcheck disable=SC2086 # the probe and its arguments
+    probe_${1#*:} > /dev/null
   fi
 }

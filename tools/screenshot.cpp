@@ -1,7 +1,9 @@
 // Takes a picture of the program: screenshot PROGRAM FILE
+// Without arguments, tells by its exit status whether an X display can be reached.
 //
 // Starts PROGRAM, waits until its window shows the curve, saves the window's picture as FILE (PNG), closes the window
 // the way a window manager's close button does, and ends with PROGRAM's exit status, or 1 if anything went wrong.
+// For a display without a window manager, which would put the window into one of its own.
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
@@ -93,20 +95,24 @@ int failed(const QString &why)
 
 int main(int argc, char *argv[])
 {
+    Display *display = XOpenDisplay(nullptr);
+    if (argc == 1)
+        return display ? 0 : 1;
+    if (!display)
+        return failed(QStringLiteral("no X display"));
+    XSetErrorHandler(ignoreError);
+
     QGuiApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() != 3)
         return failed(QStringLiteral("usage: screenshot PROGRAM FILE"));
     const QString &file = arguments.at(2);
 
-    Display *display = XOpenDisplay(nullptr);
-    if (!display)
-        return failed(QStringLiteral("no X display"));
-    XSetErrorHandler(ignoreError);
-
     QProcess program;
     program.setProcessChannelMode(QProcess::ForwardedChannels);
     program.start(arguments.at(1), QStringList());
+    if (!program.waitForStarted())
+        return failed(QStringLiteral("cannot start %1").arg(arguments.at(1)));
 
     QElapsedTimer clock;
     clock.start();
@@ -121,12 +127,13 @@ int main(int argc, char *argv[])
         if (window)
             picture = QGuiApplication::primaryScreen()->grabWindow(window).toImage();
     }
-    if (!picture.save(file, "PNG"))
-        return failed(QStringLiteral("cannot write %1").arg(file));
+    const bool saved = picture.save(file, "PNG");
 
     askToClose(display, window);
     if (!program.waitForFinished(patience))
         return failed(QStringLiteral("the window did not close"));
+    if (!saved)
+        return failed(QStringLiteral("cannot write %1").arg(file));
     XCloseDisplay(display);
     return program.exitStatus() == QProcess::NormalExit ? program.exitCode() : 1;
 }

@@ -8,7 +8,6 @@
 #include <qopengl.h>
 
 #include <cmath>
-#include <limits>
 
 namespace {
 

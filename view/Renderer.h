@@ -26,8 +26,8 @@ public:
     /// Adds a frame timer of `fps` frames per second; its interval is 1000 / `fps` in whole milliseconds, truncated.
     ///
     /// Timers of earlier calls keep running until the view is destroyed: the rates add up, which is intended.
-    /// With an `fps` of 0 the new timer stands still and the running ones go on; so it does with one that is NaN or so
-    /// near 0 that the interval fits no int, and with a negative one, which the toolkit refuses.
+    /// With an `fps` of 0 the new timer stands still and the running ones go on; so it does when the interval is
+    /// negative or fits no int, as with an `fps` that is NaN or nearly 0.
     void setFPS(float fps);
 
     /// Multiplies a perspective onto the current matrix of the current context: a vertical field of view of `fovY`

@@ -9,6 +9,7 @@
 #include <QMetaMethod>
 #include <QSignalSpy>
 
+#include <cstring>
 #include <memory>
 
 namespace {
@@ -124,6 +125,7 @@ private slots:
                                    "verticalLayout",   "pdx3",        "dockParams",  "dockWidgetContents_2",
                                    "verticalLayout_2", "tableParams"};
         QCOMPARE(sizeof(Ui_MainWindow), sizeof fields);
+        QCOMPARE(std::memcmp(ui, static_cast<const void *>(fields), sizeof fields), 0);
         for (int i = 0; i < names.size(); ++i) {
             QCOMPARE(fields[i]->objectName(), names.at(i));
             QCOMPARE(window->findChild<QObject *>(names.at(i)), fields[i]);
@@ -246,13 +248,14 @@ private slots:
         QVERIFY(!button(ui->dockWidget, "qt_dockwidget_closebutton")->isVisible());
         QVERIFY(!button(ui->dockWidget, "qt_dockwidget_floatbutton")->isVisible());
         QVERIFY(!button(ui->dockParams, "qt_dockwidget_floatbutton")->isVisible());
+        // Double-clicking a title would make a floatable dock float.
+        for (QDockWidget *dock : {ui->dockWidget, ui->dockParams}) {
+            QTest::mouseDClick(dock, Qt::LeftButton, {}, {20, 8});
+            QVERIFY(!dock->isFloating());
+        }
         QTest::mouseClick(button(ui->dockParams, "qt_dockwidget_closebutton"), Qt::LeftButton);
         QTRY_VERIFY(!ui->dockParams->isVisible());
         QTRY_COMPARE(ui->dockWidget->geometry().left(), 0);
-
-        // Double-clicking a title would make a floatable dock float.
-        QTest::mouseDClick(ui->dockWidget, Qt::LeftButton, {}, {20, 8});
-        QVERIFY(!ui->dockWidget->isFloating());
     }
 
     void aClickInTheTableChangesTheMovingCurve()
@@ -280,7 +283,7 @@ private slots:
 
     void actionsAreWiredOnce()
     {
-        // Each action calls its slot and nothing else.
+        // Each action calls its slot, once, and nothing else of the window.
         for (QAction *action : {ui->actioncopy, ui->actionpaste, ui->actionreset, ui->actionabout}) {
             const QByteArray slot = "on_" + action->objectName().toUtf8() + "_triggered()";
             QVERIFY(QObject::disconnect(action, SIGNAL(triggered()), window.get(), ("1" + slot).constData()));

@@ -3,6 +3,7 @@
 #include <QtTest>
 #include <qopengl.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <initializer_list>

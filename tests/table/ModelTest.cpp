@@ -229,6 +229,7 @@ private slots:
         pdx3.paramList[2].resize(3);
         for (const QModelIndex &index : {QModelIndex(), last, model.index(2, 4)}) {
             QVERIFY(!model.data(index, Qt::DisplayRole).isValid());
+            QCOMPARE(model.data(index, Qt::TextAlignmentRole).toInt(), 2);
             QCOMPARE(model.setData(index, 1.0F), true);
         }
         QCOMPARE(pdx3.paramList.size(), 10);

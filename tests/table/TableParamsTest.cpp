@@ -8,6 +8,10 @@
 #include <QLineEdit>
 #include <QSignalSpy>
 
+#include <cmath>
+#include <limits>
+#include <utility>
+
 namespace {
 
 /// The current parameters of the engine, as a row.
@@ -283,12 +287,17 @@ private slots:
 
     void strangeNumbersCanBeTypedAndShown()
     {
-        for (const char *text : {"nan", "inf", "-inf", "1e38", "-0", "1e-44"}) {
+        const float inf = std::numeric_limits<float>::infinity();
+        const std::pair<const char *, float> typed[] = {{"inf", inf},  {"-inf", -inf},    {"1e38", 1e38F},
+                                                        {"-0", -0.0F}, {"1e-44", 1e-44F}, {"nan", std::nanf("")}};
+        for (const auto &[text, value] : typed) {
             for (int column = 0; column < 6; ++column) {
                 doubleClick(9, column);
                 enter(text);
-                const float typed = pdx3.paramList.at(9).at(column);
-                QVERIFY(typed != presetRows.at(9).at(column) || typed == 0.0F);
+                const float stored = pdx3.paramList.at(9).at(column);
+                QVERIFY2(std::isnan(value) ? std::isnan(stored)
+                                           : stored == value && std::signbit(stored) == std::signbit(value),
+                         text);
                 click(8, column);
                 click(9, column);
                 QCOMPARE(pdx3.points.size(), 16666);
@@ -299,15 +308,12 @@ private slots:
 
     void refreshShowsWhatOthersWrote()
     {
-        const QImage before = table->grab().toImage();
         doubleClick(1, 1);
         QVERIFY(editor());
         pdx3.paramList[1][1] = 77.0F;
-        pdx3.paramList[0][0] = 88.0F;
+        QCOMPARE(editor()->text(), QString("3"));
         table->model->refresh();
         QCOMPARE(editor()->text(), QString("77"));
-        QTest::keyClick(editor(), Qt::Key_Escape);
-        QVERIFY(table->grab().toImage() != before);
     }
 
     void refreshRepaintsEveryVisibleCell()
@@ -326,6 +332,9 @@ private slots:
             QRegion *painted;
         } watch(&painted);
         table->viewport()->installEventFilter(&watch);
+        pdx3.paramList[0][0] = 88.0F;
+        QTest::qWait(100);
+        QVERIFY(painted.isEmpty()); // nothing tells the view of a write beside the model
         table->model->refresh();
         QTRY_COMPARE(painted.boundingRect(), table->viewport()->rect());
     }

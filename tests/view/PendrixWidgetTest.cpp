@@ -5,7 +5,6 @@
 #include "engine/Pendrix3D.h"
 #include "tests/support/ApplicationTest.h"
 
-#include <QMouseEvent>
 #include <QScreen>
 #include <QTimer>
 #include <QWindow>
@@ -13,6 +12,7 @@
 
 #include <array>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -161,7 +161,7 @@ class PendrixWidgetTest : public QObject
     {
         const int paints = view.paints;
         view.update();
-        QTRY_COMPARE(view.paints, paints + 1);
+        QTRY_VERIFY(view.paints > paints);
     }
 
     /// Shows `view` and waits for `frames` frames and one more; then it stands still.
@@ -249,7 +249,7 @@ private slots:
         for (int i = 1; i <= 20; ++i) {
             const int paints = view.paints;
             QTest::mouseMove(window, {100 + 3 * i, 100 + 5 * i});
-            QTRY_COMPARE(view.paints, paints + 1);
+            QTRY_VERIFY(view.paints > paints);
         }
         QTest::mouseRelease(window, Qt::LeftButton, {}, {160, 200});
         QCOMPARE(view.scene.angles, (std::array<int, 3>{800, 480, 0}));
@@ -259,7 +259,7 @@ private slots:
         for (int i = 1; i <= 10; ++i) {
             const int paints = view.paints;
             QTest::mouseMove(window, {100 + 9 * i, 100});
-            QTRY_COMPARE(view.paints, paints + 1);
+            QTRY_VERIFY(view.paints > paints);
         }
         QTest::mouseRelease(window, Qt::RightButton, {}, {190, 100});
         QCOMPARE(view.scene.angles, (std::array<int, 3>{800, 480, 720}));
@@ -310,7 +310,11 @@ private slots:
             window.show();
             QVERIFY(QTest::qWaitForWindowExposed(&window));
             QTRY_VERIFY(view->paints >= 2);
-            QCOMPARE(view->frame.size(), size * view->devicePixelRatio());
+            view->stop();
+            drawOnce(*view);
+            QCOMPARE(view->scene.size, size);
+            if (size.width() > 1 && size.height() > 1) // less has no middle of a pixel to draw on
+                VERIFY_PICTURE(view->frame, view->scene);
         }
     }
 
@@ -318,11 +322,14 @@ private slots:
     {
         const float inf = std::numeric_limits<float>::infinity();
         const float nan = std::numeric_limits<float>::quiet_NaN();
-        for (const float value : {nan, inf, -inf, 1e38F, 0.0F}) {
+        for (const float value : {nan, inf, -inf}) {
             pdx3.set(value, value, value, value, value, 2);
             Probe view;
             run(view, {100, 100}, 3);
-            QVERIFY(view.isValid());
+            QVERIFY(litArea(view.frame).isEmpty());
+            pdx3.set(0); // and the view has taken no harm
+            drawOnce(view);
+            VERIFY_PICTURE(view.frame, view.scene);
         }
     }
 };

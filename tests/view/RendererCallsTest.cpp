@@ -5,7 +5,6 @@
 #include "tests/support/ApplicationTest.h"
 #include "tests/support/OpenGLStandIn.h"
 
-#include <QMouseEvent>
 #include <qopengl.h>
 
 #include <cmath>

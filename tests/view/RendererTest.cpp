@@ -115,8 +115,8 @@ private slots:
     void castsByClassName()
     {
         Probe view;
-        QCOMPARE(view.qt_metacast("Renderer"), static_cast<void *>(static_cast<Renderer *>(&view)));
-        QCOMPARE(view.qt_metacast("OpenGL"), static_cast<void *>(static_cast<OpenGL *>(&view)));
+        QCOMPARE(view.qt_metacast("Renderer"), static_cast<void *>(&view));
+        QCOMPARE(view.qt_metacast("OpenGL"), static_cast<void *>(&view));
         QCOMPARE(view.qt_metacast("QOpenGLWidget"), static_cast<void *>(static_cast<QOpenGLWidget *>(&view)));
         QVERIFY(!view.qt_metacast("PendrixWidget"));
         QVERIFY(!view.qt_metacast(nullptr));
@@ -199,6 +199,7 @@ private slots:
         QTest::newRow("0") << 0.0F << -1;
         QTest::newRow("-0") << -0.0F << -1;
         QTest::newRow("negative") << -15.0F << -1;
+        QTest::newRow("negative, less than a millisecond") << -3000.0F << 0;
         QTest::newRow("a frame in ages") << 1e-9F << -1;
         QTest::newRow("subnormal") << 1e-45F << -1;
         QTest::newRow("nan") << std::numeric_limits<float>::quiet_NaN() << -1;
@@ -321,9 +322,15 @@ private slots:
     {
         Probe view;
         QStringList order;
-        connect(&view, &Renderer::xRotationChanged, this, [&](int angle) { order << QString("x %1").arg(angle); });
-        connect(&view, &Renderer::yRotationChanged, this, [&](int angle) { order << QString("y %1").arg(angle); });
-        connect(&view, &Renderer::zRotationChanged, this, [&](int angle) { order << QString("z %1").arg(angle); });
+        // When a signal comes, the angle is stored, and the position of the move is not.
+        const auto note = [&](const char *axis, int stored, int angle) {
+            QCOMPARE(stored, angle);
+            QCOMPARE(view.lastPos, QPoint(0, 0));
+            order << QString("%1 %2").arg(axis).arg(angle);
+        };
+        connect(&view, &Renderer::xRotationChanged, this, [&](int angle) { note("x", view.xRot, angle); });
+        connect(&view, &Renderer::yRotationChanged, this, [&](int angle) { note("y", view.yRot, angle); });
+        connect(&view, &Renderer::zRotationChanged, this, [&](int angle) { note("z", view.zRot, angle); });
         drag(view, Qt::LeftButton, {0, 0}, {1, 2});
         drag(view, Qt::RightButton, {0, 0}, {1, 2});
         drag(view, Qt::LeftButton, {0, 0}, {1, 0});
@@ -363,11 +370,14 @@ private slots:
         QCOMPARE(clicked, 1);
         QCOMPARE(view.lastPos, QPoint(8, 9));
 
+        QVERIFY(press.isAccepted()); // the toolkit's own handler would have passed it on
+
         QMouseEvent twice(QEvent::MouseButtonDblClick, QPointF(70, 90), Qt::LeftButton, Qt::LeftButton, {});
         QApplication::sendEvent(&view, &twice);
         QCOMPARE(seen, &twice);
         QCOMPARE(clicked, 1);
         QCOMPARE(doubleClicked, 1);
+        QVERIFY(twice.isAccepted());
         QCOMPARE(view.lastPos, QPoint(8, 9));
         QCOMPARE(anglesOf(view), Angles({0, 0, 0}));
     }
