@@ -2,7 +2,8 @@
 #
 # The results of the curve and of the colours are fixed to the last bit of every float. They hold for IEEE
 # arithmetic as written: no product fused into an addition, no wider intermediate values, no algebra on floats.
-# The flags stand after the user's own, so that a -ffast-math from outside does not reach these targets;
+# The flags stand after the user's own, so that a -ffast-math from outside does not reach these targets, nor their
+# linking, where it would switch subnormal numbers off for the whole program;
 # color/FloatModel.h checks at compile time what the language lets it check, and its test what a compiler does.
 function(pendrix_target target)
   target_compile_features(${target} PUBLIC cxx_std_17)
@@ -17,6 +18,7 @@ function(pendrix_target target)
       -fno-fast-math -ffp-contract=off
       -Wall -Wextra -Wpedantic -Wconversion -Wshadow
       $<$<BOOL:${PENDRIX_WERROR}>:-Werror>)
+    target_link_options(${target} PRIVATE -fno-fast-math)
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
       # From -O2 on, g++ 12's superword vectoriser computes pairs of doubles that are rounded to float and widened
       # again without the rounding.
@@ -28,6 +30,8 @@ function(pendrix_target target)
     endif()
   elseif(MSVC)
     target_compile_options(${target} PRIVATE /fp:precise /W4 $<$<BOOL:${PENDRIX_WERROR}>:/WX>)
+  else()
+    message(WARNING "No flags are known that keep ${CMAKE_CXX_COMPILER_ID} from changing floating-point results.")
   endif()
 endfunction()
 

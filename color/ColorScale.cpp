@@ -85,9 +85,10 @@ struct Weights
         return byteOf(static_cast<double>(value) / static_cast<double>(sum) + 0.5);
     }
 
-    double mean(double a, double b, double c, double total) const
+    /// Not yet divided by the sum of the weights.
+    double weighted(double a, double b, double c) const
     {
-        return (c * static_cast<double>(w2) + (b * static_cast<double>(w1) + a * static_cast<double>(w0))) / total;
+        return c * static_cast<double>(w2) + (b * static_cast<double>(w1) + a * static_cast<double>(w0));
     }
 
     float w0;
@@ -159,9 +160,9 @@ unsigned int ColorScaleHSL3(unsigned int c0, unsigned int c1, unsigned int c2, f
     RGBtoHLS(c0, triple[0].h, triple[0].l, triple[0].s);
     RGBtoHLS(c1, triple[1].h, triple[1].l, triple[1].s);
     RGBtoHLS(c2, triple[2].h, triple[2].l, triple[2].s);
-    return HLStoRGB(weights.mean(triple[0].h, triple[1].h, triple[2].h, tripleSum),
-                    weights.mean(triple[0].l, triple[1].l, triple[2].l, tripleSum),
-                    weights.mean(triple[0].s, triple[1].s, triple[2].s, tripleSum));
+    return HLStoRGB(weights.weighted(triple[0].h, triple[1].h, triple[2].h) / tripleSum,
+                    weights.weighted(triple[0].l, triple[1].l, triple[2].l) / tripleSum,
+                    weights.weighted(triple[0].s, triple[1].s, triple[2].s) / tripleSum);
 }
 
 void RGBtoHLS(unsigned int c, double &h, double &l, double &s)

@@ -2,9 +2,9 @@
 
 /// The floating-point arithmetic that the colours and the curve rely on, checked where the compiler can tell.
 ///
-/// Every result of the program is fixed to the bit: IEEE 754 binary32 and binary64, each operation rounded once to
-/// the type that is written. Contraction into fused multiply-add leaves no trace that could be checked here; the
-/// build switches it off for every target (-ffp-contract=off).
+/// Every result of the program is fixed to the bit, but for which NaN a NaN is: IEEE 754 binary32 and binary64, each
+/// operation rounded once to the type that is written. Contraction into fused multiply-add leaves no trace that could
+/// be checked here; the build switches it off for every target (-ffp-contract=off).
 
 #include <cfloat>
 #include <limits>

@@ -10,21 +10,18 @@
 #include <cmath>
 #include <cstdlib>
 #include <ctime>
+#include <iterator>
 #include <limits>
-
-Pendrix3D pdx3;
 
 namespace {
 
 constexpr int presetCount = 12;
-constexpr int rowCount = 64;
-constexpr int rowLength = 6;
 
 // The tiny phase2 is not a rounded zero: it is stored, copied and shown as it stands.
 constexpr float tiny = 1.5e-8F;
 
 // clang-format off
-constexpr float presetTable[presetCount][rowLength] = {
+constexpr float presetTable[presetCount][Pendrix3D::rowLength] = {
     // freq1  freq2   freq3  phase1  phase2  color
     {   1.0F,  2.0F,   3.0F,  0.46F,   tiny,  1.0F},
     {   2.0F,  3.0F,   4.0F,  0.25F,   0.0F,  2.0F},
@@ -61,6 +58,8 @@ float wrapped(float position)
 
 } // namespace
 
+Pendrix3D pdx3;
+
 Pendrix3D::Pendrix3D()
     : blankRow(rowLength, 0.0F), header{QStringLiteral("freq1"),  QStringLiteral("freq2"),  QStringLiteral("freq3"),
                                         QStringLiteral("phase1"), QStringLiteral("phase2"), QStringLiteral("color")}
@@ -76,9 +75,7 @@ Pendrix3D::Pendrix3D()
     std::srand(static_cast<unsigned int>(std::time(nullptr)));
     set(0);
 
-    paramList = presets;
-    while (paramList.size() < rowCount)
-        paramList.append(blankRow);
+    resetParamList();
 }
 
 void Pendrix3D::set(int n)
@@ -111,6 +108,15 @@ void Pendrix3D::nextSet()
 {
     setIndex += 1;
     set(setIndex);
+}
+
+void Pendrix3D::resetParamList()
+{
+    paramList.clear(); // keeps the storage
+    for (const QVector<float> &preset : qAsConst(presets))
+        paramList.append(preset);
+    while (paramList.size() < rowCount)
+        paramList.append(blankRow);
 }
 
 float *Pendrix3D::getParams()
@@ -163,9 +169,8 @@ void Pendrix3D::calcCoords()
     t = 0.0F;
     nPoints = truncatedOr(static_cast<double>(total / step), 0);
 
-    // Unlike a fresh list, one resized to 0 keeps its storage.
-    points.resize(0);
-    colors.resize(0);
+    points.clear(); // keeps the storage
+    colors.clear();
     points.reserve(std::max(nPoints, 0));
     colors.reserve(std::max(nPoints, 0));
     for (int i = 0; i < nPoints; ++i) {
@@ -189,8 +194,8 @@ void Pendrix3D::calcSegment(int i)
     const float entry = static_cast<float>(paletteSize) * palettePosition(i);
     const int index = truncatedOr(static_cast<double>(entry), 0) % paletteSize;
     const unsigned int color = palette[std::max(index, 0)];
-    red = static_cast<int>(color >> 16U & 255U);
-    green = static_cast<int>(color >> 8U & 255U);
+    red = static_cast<int>((color >> 16U) & 255U);
+    green = static_cast<int>((color >> 8U) & 255U);
     blue = static_cast<int>(color & 255U);
     alpha = 1;
 }

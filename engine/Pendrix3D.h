@@ -5,7 +5,7 @@
 #include <QTypeInfo>
 #include <QVector>
 
-/// One vertex of the curve, in scene units; with the default amplitude every coordinate lies in -1 to 1.
+/// One vertex of the curve, in scene units; with the default amplitude every coordinate lies in -1 to 1 or is NaN.
 struct CurvePoint
 {
     float x;
@@ -28,6 +28,11 @@ Q_DECLARE_TYPEINFO(CurvePoint, Q_PRIMITIVE_TYPE);
 class Pendrix3D
 {
 public:
+    /// Number of parameter rows in the table.
+    static constexpr int rowCount = 64;
+    /// Number of values in a parameter row.
+    static constexpr int rowLength = 6;
+
     /// Builds the palette and the presets, seeds the C library's random generator from the time, computes the curve
     /// of preset 0 and fills `paramList` with the presets and blank rows.
     Pendrix3D();
@@ -51,6 +56,9 @@ public:
     /// drift shows in freq1 and freq3. The address stays valid while the engine lives.
     float *getParams();
 
+    /// Fills `paramList` anew: the presets and then blank rows up to 64. The curve on screen does not change.
+    void resetParamList();
+
     /// Copies the current parameters to `params`. Every pass does the same at its start.
     void setParams();
 
@@ -68,7 +76,7 @@ public:
     void next(double dFreq1, double dFreq3);
 
     /// Computes the curve of the current parameters: `nPoints` points and as many colours, entry i of `colors` being
-    /// the colour of point i. A `total` / `step` that is NaN or does not fit an int gives no points.
+    /// the colour of point i. A `total` / `step` that is negative, NaN or does not fit an int gives no points.
     /// The lists keep their storage from pass to pass, so that a pass allocates nothing once they have grown.
     void calcCoords();
 
@@ -86,7 +94,7 @@ public:
     QVector<float> blankRow;
     /// The six column titles.
     QStringList header;
-    /// The rows of the table: 64 parameter rows, at first the presets and blank rows. The engine only fills it once.
+    /// The rows of the table: 64 parameter rows, at first and after a reset the presets and blank rows.
     QVector<QVector<float>> paramList;
 
     /// The point just computed.
@@ -117,13 +125,13 @@ public:
     /// Number of points of the curve, 16666 with the default `total` and `step`.
     int nPoints = 0;
 
-    /// Index of the current preset, 0 to 11.
+    /// Index of the preset that was last chosen by number, 0 to 11 unless a negative one was asked for.
     int setIndex = 0;
 
     /// `paletteSize` packed colours 0x00RRGGBB. Never released: the engine lives as long as the process.
     unsigned int *palette = nullptr;
     int paletteSize = 512;
-    /// First colour of the palette.
+    /// First colour of the palette. Like the next one it tells how the palette was built; nothing reads it.
     unsigned int paletteFrom = 0x0000FF;
     /// The colour that the palette runs to. Its last entry stands at 511/512 of the way.
     unsigned int paletteTo = 0xFF0000;

@@ -35,12 +35,27 @@ void roundedProducts(const double *a, const double *b, double *out)
 void (*volatile quotients)(const int *, double *) = roundedQuotients;
 void (*volatile products)(const double *, const double *, double *) = roundedProducts;
 
-[[gnu::noinline]] float productPlus(float a, float b, float c)
+// On x86-64 with the fused operation at hand, which portable code does not use; elsewhere as the build has it.
+#if defined(__x86_64__)
+#define PENDRIX_WITH_FMA [[gnu::noinline, gnu::target("fma")]]
+bool fmaIsThere()
+{
+    return __builtin_cpu_supports("fma");
+}
+#else
+#define PENDRIX_WITH_FMA [[gnu::noinline]]
+bool fmaIsThere()
+{
+    return true;
+}
+#endif
+
+PENDRIX_WITH_FMA float productPlus(float a, float b, float c)
 {
     return a * b + c;
 }
 
-[[gnu::noinline]] double productPlus(double a, double b, double c)
+PENDRIX_WITH_FMA double productPlus(double a, double b, double c)
 {
     return a * b + c;
 }
@@ -73,6 +88,8 @@ private slots:
 
     void productsAreRoundedBeforeTheyAreAdded()
     {
+        if (!fmaIsThere())
+            QSKIP("this processor has no fused multiply-add");
         // (1 + e)(1 - e) = 1 - e^2, which rounds to 1; fused with the addition, e^2 would be left over.
         QVERIFY(productPlus(one + epsilon, one - epsilon, -one) == 0.0F);
         const double e = std::numeric_limits<double>::epsilon();

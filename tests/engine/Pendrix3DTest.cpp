@@ -1,10 +1,12 @@
 #include "engine/Pendrix3D.h"
 
+#include "color/ColorScale.h"
 #include "tests/support/OpenGLStandIn.h"
 
 #include <QtTest>
 #include <qopengl.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <cstring>
@@ -51,8 +53,7 @@ QVector<quint32> currentBits()
     return {bitsOf(pdx3.freq1), bitsOf(pdx3.freq2), bitsOf(pdx3.freq3), bitsOf(pdx3.phase1), bitsOf(pdx3.phase2)};
 }
 
-// Before main, before anything else can have drawn from the generator; the engine is in another file of the program,
-// so the value is read in the test if this initialiser came first.
+// Read before main, within a moment of the engine's construction.
 const std::time_t atStart = std::time(nullptr);
 
 } // namespace
@@ -62,7 +63,7 @@ class Pendrix3DTest : public QObject
     Q_OBJECT
 
 private slots:
-    void seedsTheRandomGeneratorFromTheTime()
+    void seedsTheRandomGeneratorFromTheTime() // first, before anything else draws from the generator
     {
         const int drawn = std::rand();
         bool found = false;
@@ -87,6 +88,7 @@ private slots:
         QCOMPARE(bitsOf(pdx3.radiusScale), 0x3F800000U);
         QCOMPARE(pdx3.colorMode, 1);
         QCOMPARE(currentBits(), expectedPresets().at(0).mid(0, 5));
+        QCOMPARE(bitsOf(QVector<float>(pdx3.params, pdx3.params + 6)), expectedPresets().at(0));
         QCOMPARE(pdx3.nPoints, 16666);
         QCOMPARE(pdx3.points.size(), 16666);
         QCOMPARE(pdx3.colors.size(), 16666);
@@ -114,13 +116,8 @@ private slots:
         QCOMPARE(pdx3.palette[256], 0x00FF00U);
         QCOMPARE(pdx3.palette[384], 0xFFFE00U);
         QCOMPARE(pdx3.palette[511], 0xFF0100U);
-        // A rainbow of full saturation: one channel is full and one is empty, but for the truncation of a unit.
-        for (int i = 0; i < 512; ++i) {
-            const QColor color = QColor::fromRgb(pdx3.palette[i]);
-            const int high = std::max({color.red(), color.green(), color.blue()});
-            const int low = std::min({color.red(), color.green(), color.blue()});
-            QVERIFY2(pdx3.palette[i] <= 0xFFFFFFU && high >= 254 && low <= 1, QByteArray::number(i));
-        }
+        for (int i = 0; i < 512; ++i)
+            QCOMPARE(pdx3.palette[i], ColorScaleHSL(0x0000FF, 0xFF0000, static_cast<float>(i / 512.0)));
     }
 
     void presetsByNumber()
@@ -204,10 +201,11 @@ private slots:
         const float *params = pdx3.getParams();
         QCOMPARE(params, pdx3.params);
         const QVector<float> expected = {1.5F, -2.5F, 3.25F, 0.125F, -0.75F, 3.0F};
-        QCOMPARE(QVector<float>(params, params + 6), expected);
+        QCOMPARE(bitsOf(QVector<float>(params, params + 6)), bitsOf(expected));
 
         pdx3.set(0.1F, 0.2F, 0.3F, 0.4F, 0.5F, -7);
-        QCOMPARE(QVector<float>(params, params + 6), QVector<float>({0.1F, 0.2F, 0.3F, 0.4F, 0.5F, -7.0F}));
+        QCOMPARE(bitsOf(QVector<float>(params, params + 6)),
+                 bitsOf(QVector<float>{0.1F, 0.2F, 0.3F, 0.4F, 0.5F, -7.0F}));
 
         // The drift shows, and setParams alone takes a snapshot as well.
         pdx3.next();
@@ -263,6 +261,28 @@ private slots:
         QCOMPARE(bitsOf(pdx3.freq3), bitsOf(static_cast<float>(static_cast<double>(freq3) - 0.5)));
         pdx3.set(0);
         QCOMPARE(pdx3.freq1, 1.0F);
+    }
+
+    void driftIsAddedInDouble()
+    {
+        // Added in float, nothing would be left.
+        pdx3.set(-0.1F, 0.0F, -0.0004F, 0.0F, 0.0F, 0);
+        pdx3.next(0.1, 0.0004);
+        QCOMPARE(bitsOf(pdx3.freq1), bitsOf(-0x1.99999ap-30F));
+        QCOMPARE(bitsOf(pdx3.freq3), bitsOf(0x1.638866p-37F));
+        pdx3.set(-0.0004F, 0.0F, -0.0004F, 0.0F, 0.0F, 0);
+        pdx3.next();
+        QCOMPARE(bitsOf(pdx3.freq1), bitsOf(0x1.638866p-37F));
+        QCOMPARE(bitsOf(pdx3.freq3), bitsOf(0x1.638866p-37F));
+    }
+
+    void strangeValuesAreKeptAsTheyAre()
+    {
+        const QVector<float> row = {std::numeric_limits<float>::quiet_NaN(), -0.0F, 1e-45F, -1e38F,
+                                    std::numeric_limits<float>::infinity(),  0.0F};
+        pdx3.set(row);
+        QCOMPARE(currentBits(), bitsOf(row.mid(0, 5)));
+        QCOMPARE(bitsOf(QVector<float>(pdx3.params, pdx3.params + 6)), bitsOf(row));
     }
 
     void drawsOneStripWithTheColorAfterTheVertex()
