@@ -140,7 +140,7 @@ QByteArray difference(const Machine &machine)
         const CurvePoint &point = pdx3.points.at(i);
         if (!sameFloat(point.x, sample.at[0]) || !sameFloat(point.y, sample.at[1]) || !sameFloat(point.z, sample.at[2]))
             return "position of point " + QByteArray::number(i);
-        if (pdx3.colors.at(i).rgba() != (0xFF000000U | sample.color) || pdx3.colors.at(i).spec() != QColor::Rgb)
+        if (pdx3.colors.at(i) != QColor(0xFF000000U | sample.color))
             return "colour of point " + QByteArray::number(i);
     }
     if (count > 0) {
