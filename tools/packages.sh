@@ -13,6 +13,7 @@ to_build=(
   "libgl1-mesa-dri:nothing"
   "fonts-dejavu-core:nothing"
   "xvfb:program Xvfb"
+  "xclip:program xclip"
 )
 # shellcheck disable=SC2034
 to_check=(

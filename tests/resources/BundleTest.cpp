@@ -43,7 +43,7 @@ private slots:
                 files << path.section('/', -1);
         }
         files.sort();
-        QCOMPARE(files, iconNames());
+        QCOMPARE(files, QStringList("about.html") + iconNames());
     }
 
     void isOfFormatVersionTwo()
@@ -89,6 +89,14 @@ private slots:
                 covered += qAlpha(image.pixel(x, y)) > 127;
         }
         QVERIFY2(covered > 100 && covered < 1000, QByteArray::number(covered));
+    }
+
+    void thePage()
+    {
+        const QResource page(":/about.html");
+        const QByteArray file = contentOf(PENDRIX_RESOURCES "/about.html");
+        QVERIFY(!file.isEmpty());
+        QCOMPARE(QByteArray(reinterpret_cast<const char *>(page.data()), static_cast<int>(page.size())), file);
     }
 
     void everyIconHasItsDrawing()
