@@ -3,11 +3,15 @@
 #include <QMainWindow>
 
 class QSettings;
+QT_BEGIN_NAMESPACE
 class Ui_MainWindow;
+QT_END_NAMESPACE
 
 /// The program's window: the parameter table in the left dock, the curve in the right one, menus, toolbar, status bar.
 ///
-/// Introduces the table, the curve and the menus to each other; the objects themselves are laid out in MainWindow.ui.
+/// Its objects are laid out in MainWindow.ui; the table and the curve meet in the global engine, the menus' actions
+/// here. What the user leaves behind (rows, layout, size and place, column widths) is loaded when the window is
+/// constructed and saved when it is destroyed, and at no other time.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -16,9 +20,22 @@ public:
     explicit MainWindow(QWidget *parent = nullptr);
     ~MainWindow() override;
 
+    /// Opens the settings store and applies what it holds to the window, the table and the engine's parameter list.
+    /// What is missing, damaged or of another type leaves things as they are; so does a parameter list that is not 64
+    /// rows of six. Nothing is reported. A store that would end the program is mended first; if that fails, the window
+    /// does without one.
+    void loadSettings();
+
+    /// Writes the window, the table and the engine's parameter list to the store and closes it. The store changes as a
+    /// whole or not at all, and keys of others stay.
+    void saveSettings();
+
+    /// The text of the file at `path`, read as UTF-8 up to the first zero byte; empty if the file cannot be opened.
+    QString readTextFile(const QString &path);
+
     /// The form's objects, owned by the window.
     Ui_MainWindow *ui;
-    /// The settings store while it is open, else null.
+    /// The settings store, from loadSettings to saveSettings.
     QSettings *settings = nullptr;
 
 private slots:

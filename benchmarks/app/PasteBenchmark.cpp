@@ -1,0 +1,90 @@
+// Time and peak memory of a paste, for texts of several shapes and sizes, from another program (xclip).
+//
+// Both should grow as the text does. Needs a display: tools/on-virtual-display.sh PasteBenchmark
+
+#include "app/Clipboard.h"
+#include "engine/Pendrix3D.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QTextStream>
+#include <QThread>
+
+#include <utility>
+
+namespace {
+
+/// A value of this process's memory status in MB, such as "VmHWM", the peak of its resident memory.
+double megabytesOf(const QByteArray &name)
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0.0;
+    const QList<QByteArray> lines = status.readAll().split('\n');
+    for (const QByteArray &line : lines) {
+        if (line.startsWith(name + ':'))
+            return line.mid(name.size() + 1).trimmed().split(' ').first().toDouble() / 1024.0;
+    }
+    return 0.0;
+}
+
+/// Lets the peak of the resident memory start from now.
+void forgetPeak()
+{
+    QFile references(QStringLiteral("/proc/self/clear_refs"));
+    if (references.open(QIODevice::WriteOnly))
+        references.write("5");
+}
+
+void copyElsewhere(const QByteArray &text)
+{
+    QProcess xclip;
+    xclip.start(QStringLiteral("xclip"), {QStringLiteral("-selection"), QStringLiteral("clipboard")});
+    xclip.write(text);
+    xclip.closeWriteChannel();
+    xclip.waitForFinished(-1);
+    QThread::msleep(200); // its child takes the selection
+    QCoreApplication::processEvents();
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QApplication application(argc, argv);
+    QTextStream out(stdout);
+    const std::pair<const char *, QByteArray> shapes[] = {
+        {"lines that take no row", "123456789\n"},
+        {"one line", "1234567890"},
+        {"one line of tabs", "\t"},
+        {"good lines", "1\t2\t3\t4\t5\t6\n"},
+    };
+    out << "text                       MB   all s   ours s   peak MB   MB per MB\n";
+    for (const auto &[name, piece] : shapes) {
+        for (const int megabytes : {25, 50, 100}) {
+            copyElsewhere(piece.repeated(megabytes * 1000000 / piece.size()));
+            forgetPeak();
+            const double before = megabytesOf("VmRSS");
+            QElapsedTimer clock;
+            clock.start();
+            pasteParamsFromClipboard(pdx3);
+            const double all = static_cast<double>(clock.nsecsElapsed()) * 1e-9;
+            const double peak = megabytesOf("VmHWM") - before;
+
+            // Once more from a text at hand: without the way through the display server.
+            QGuiApplication::clipboard()->setText(QGuiApplication::clipboard()->text());
+            clock.restart();
+            pasteParamsFromClipboard(pdx3);
+            const double ours = static_cast<double>(clock.nsecsElapsed()) * 1e-9;
+            out << qSetFieldWidth(24) << Qt::left << name << qSetFieldWidth(6) << Qt::right << megabytes << Qt::fixed
+                << qSetRealNumberPrecision(2) << qSetFieldWidth(8) << all << qSetFieldWidth(9) << ours
+                << qSetRealNumberPrecision(0) << qSetFieldWidth(10) << peak << qSetRealNumberPrecision(1)
+                << qSetFieldWidth(12) << peak / megabytes << qSetFieldWidth(0) << '\n';
+            out.flush();
+        }
+    }
+    return 0;
+}
