@@ -3,13 +3,20 @@
 #include "app/Clipboard.h"
 #include "app/SettingsFile.h"
 #include "app/SettingsTypes.h"
+#include "app/WindowLayout.h"
 #include "engine/Pendrix3D.h"
 #include "table/Model.h"
 #include "ui_MainWindow.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QHeaderView>
 #include <QMessageBox>
+#include <QScreen>
 #include <QSettings>
+#include <QTemporaryFile>
 
 #include <algorithm>
 
@@ -19,6 +26,12 @@ constexpr auto windowStateKey = "windowState";
 constexpr auto geometryKey = "geometry";
 constexpr auto colsWidthKey = "colsWidth";
 constexpr auto paramListKey = "paramList";
+
+/// Wider than any screen, in pixels; a greater width can only be damage.
+constexpr int widestColumn = 20000;
+
+/// More than the store can grow by in a run, in bytes: 64 rows take about 8000 in the store's text form.
+constexpr qint64 growth = 16384;
 
 using Rows = QVector<QVector<float>>;
 
@@ -42,10 +55,34 @@ void refresh(const TableParams &table)
 QString settingsPath()
 {
     const QSettings neighbour(QStringLiteral("quillmoss"), QStringLiteral("pdx3-neighbour"));
-    return QString(neighbour.fileName()).replace(QStringLiteral("pdx3-neighbour"), QStringLiteral("pdx3"));
+    const QFileInfo file(neighbour.fileName());
+    return file.dir().filePath(file.fileName().replace(QStringLiteral("pdx3-neighbour"), QStringLiteral("pdx3")));
 }
 
-/// While it lives, the toolkit's messages go nowhere.
+/// Applies what `store` holds to the window, its table and the engine's parameter list.
+void apply(const QSettings &store, MainWindow &window)
+{
+    const QByteArray layout = store.value(windowStateKey).toByteArray();
+    // A toolkit that writes layouts in another form than we know is left alone with them.
+    if (isMainWindowLayout(layout) || !isMainWindowLayout(window.saveState()))
+        window.restoreState(layout);
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    if (window.restoreGeometry(store.value(geometryKey).toByteArray()) && screen)
+        window.resize(window.size().boundedTo(screen->availableVirtualSize())); // the toolkit takes any size
+
+    TableParams &table = *window.ui->tableParams;
+    const auto widths = store.value(colsWidthKey).value<QVector<int>>();
+    for (int i = 0; i < table.model->columnCount() && i < widths.size(); ++i) {
+        if (widths.at(i) >= table.horizontalHeader()->minimumSectionSize() && widths.at(i) <= widestColumn)
+            table.setColumnWidth(i, widths.at(i));
+    }
+
+    const auto rows = store.value(paramListKey).value<Rows>();
+    if (isParameterList(rows))
+        pdx3.paramList = rows;
+}
+
+/// While it lives, the toolkit's messages go nowhere: it comments on what it finds in a damaged store.
 class Silence
 {
 public:
@@ -76,37 +113,42 @@ MainWindow::~MainWindow()
 
 void MainWindow::loadSettings()
 {
-    const Silence silence; // the toolkit comments on what it finds in a damaged store
+    const Silence silence;
     registerSettingsTypes();
-    if (!mendSettingsFile(settingsPath()))
+    const QString path = settingsPath();
+    if (mendSettingsFile(path)) {
+        settings = new QSettings(QStringLiteral("quillmoss"), QStringLiteral("pdx3"));
+        settings->setFallbacksEnabled(false); // the user's store and no other
+        apply(*settings, *this);
         return;
-    settings = new QSettings(QStringLiteral("quillmoss"), QStringLiteral("pdx3"));
+    }
 
-    restoreState(settings->value(windowStateKey).toByteArray());
-    restoreGeometry(settings->value(geometryKey).toByteArray());
-
-    const auto widths = settings->value(colsWidthKey).value<QVector<int>>();
-    for (int i = 0; i < ui->tableParams->model->columnCount() && i < widths.size(); ++i)
-        ui->tableParams->setColumnWidth(i, widths.at(i));
-
-    const auto rows = settings->value(paramListKey).value<Rows>();
-    if (isParameterList(rows))
-        pdx3.paramList = rows;
+    // The store cannot be written, so what is good of it is read from a copy and nothing will be saved.
+    QTemporaryFile copy;
+    QFile damaged(path);
+    if (copy.open() && damaged.open(QIODevice::ReadOnly)) {
+        copy.write(harmlessPartOf(damaged.readAll()));
+        copy.close();
+        apply(QSettings(copy.fileName(), QSettings::IniFormat), *this);
+    }
 }
 
 void MainWindow::saveSettings()
 {
-    if (!settings) // the store is damaged and cannot be mended
+    if (!settings)
         return;
-    settings->setValue(geometryKey, saveGeometry());
-    settings->setValue(windowStateKey, saveState());
+    const Silence silence;
+    if (hasRoomBeside(settings->fileName(), QFileInfo(settings->fileName()).size() + growth)) {
+        settings->setValue(geometryKey, saveGeometry());
+        settings->setValue(windowStateKey, saveState());
 
-    QVector<int> widths;
-    for (int i = 0; i < ui->tableParams->model->columnCount(); ++i)
-        widths.append(ui->tableParams->columnWidth(i));
-    settings->setValue(colsWidthKey, QVariant::fromValue(widths));
+        QVector<int> widths;
+        for (int i = 0; i < ui->tableParams->model->columnCount(); ++i)
+            widths.append(ui->tableParams->columnWidth(i));
+        settings->setValue(colsWidthKey, QVariant::fromValue(widths));
 
-    settings->setValue(paramListKey, QVariant::fromValue(pdx3.paramList));
+        settings->setValue(paramListKey, QVariant::fromValue(pdx3.paramList));
+    }
     delete settings;
 }
 

@@ -22,12 +22,11 @@ public:
 
     /// Opens the settings store and applies what it holds to the window, the table and the engine's parameter list.
     /// What is missing, damaged or of another type leaves things as they are; so does a parameter list that is not 64
-    /// rows of six. Nothing is reported. A store that would end the program is mended first; if that fails, the window
-    /// does without one.
+    /// rows of six. Nothing is reported. A store that would end the program is mended first.
     void loadSettings();
 
     /// Writes the window, the table and the engine's parameter list to the store and closes it. The store changes as a
-    /// whole or not at all, and keys of others stay.
+    /// whole or not at all, as on a disk without room, and keys of others stay.
     void saveSettings();
 
     /// The text of the file at `path`, read as UTF-8 up to the first zero byte; empty if the file cannot be opened.
@@ -35,7 +34,7 @@ public:
 
     /// The form's objects, owned by the window.
     Ui_MainWindow *ui;
-    /// The settings store, from loadSettings to saveSettings.
+    /// The settings store, from loadSettings to saveSettings; null if it is damaged and cannot be mended.
     QSettings *settings = nullptr;
 
 private slots:

@@ -1,10 +1,16 @@
 #include "app/SettingsFile.h"
 
 #include <QDataStream>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QMetaType>
+#include <QRandomGenerator>
 #include <QSaveFile>
+#include <QTemporaryFile>
+#include <QVector>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -36,49 +42,78 @@ int digitOf(char character, int base)
     return digit < base ? digit : -1;
 }
 
-/// `text` with its escapes replaced and its quotation marks taken out, as the toolkit reads a value: a number may have
-/// any number of digits, of which the lowest 16 bits count, and an unknown escape vanishes.
-QByteArray unescaped(const QByteArray &text)
+/// The character of the escape that starts at the backslash at `at` of `text`, and moves `at` to what follows. Numbers
+/// may have any count of digits, of which the lowest 16 bits are kept. -1 for an escape that stands for nothing.
+int takeEscape(const QByteArray &text, int &at)
+{
+    if (++at == text.size())
+        return -1;
+    const char letter = text.at(at++);
+    const bool octal = digitOf(letter, 8) >= 0;
+    if (octal || letter == 'x') {
+        const int base = octal ? 8 : 16;
+        int value = octal ? digitOf(letter, 8) : -1;
+        for (; at < text.size() && digitOf(text.at(at), base) >= 0; ++at)
+            value = (std::max(value, 0) * base + digitOf(text.at(at), base)) & 0xFFFF;
+        return value;
+    }
+    const bool endsLine = letter == '\n' || letter == '\r';
+    if (endsLine && at < text.size() && (text.at(at) == '\n' || text.at(at) == '\r') && text.at(at) != letter)
+        ++at; // both characters of another system's line end
+    for (const Escape &escape : escapes) {
+        if (escape.letter == letter)
+            return static_cast<uchar>(escape.character);
+    }
+    return -1;
+}
+
+/// What is left of `text` for the toolkit to recognise a value by, however it is spelled: escapes replaced, and of the
+/// rest the letters, the bracket, and what separates values. Blanks, quotation marks and marks of the encoding, which
+/// the toolkit passes over in places, are gone.
+QByteArray skeletonOf(const QByteArray &text)
 {
     QByteArray result;
-    result.reserve(text.size());
-    for (int i = 0; i < text.size(); ++i) {
-        const char character = text.at(i);
-        if (character == '"')
-            continue;
-        if (character != '\\') {
-            result.append(character);
-            continue;
-        }
-        if (++i == text.size())
-            break;
-        const char letter = text.at(i);
-        const bool octal = digitOf(letter, 8) >= 0;
-        if (letter == 'x' || octal) {
-            quint16 value = 0;
-            const int base = octal ? 8 : 16;
-            for (i += octal ? 0 : 1; i < text.size() && digitOf(text.at(i), base) >= 0; ++i)
-                value = static_cast<quint16>(value * base + digitOf(text.at(i), base));
-            --i;
-            result.append(value < 256 ? static_cast<char>(value) : '?');
-            continue;
-        }
-        for (const Escape &escape : escapes) {
-            if (escape.letter == letter)
-                result.append(escape.character);
-        }
+    for (int at = 0; at < text.size();) {
+        const bool isEscape = text.at(at) == '\\';
+        const int character = isEscape ? takeEscape(text, at) : static_cast<uchar>(text.at(at++));
+        const bool isLetter = (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
+        const bool separates = !isEscape && (character == ',' || character == '=' || character == '\n');
+        if (isLetter || character == '@' || character == '(' || separates)
+            result.append(static_cast<char>(character));
     }
     return result;
 }
 
-/// Whether restoring the value that starts at `offset` of `bytes` is harmless.
-bool isHarmlessValue(const QByteArray &bytes, int offset)
+/// The first bytes of the value at `at` of `text`, up to `count`; fewer if the value ends or is not spelled as the
+/// toolkit spells it.
+QByteArray firstBytes(const QByteArray &text, int at, int count)
 {
-    QDataStream stream(bytes.mid(offset, 64)); // enough for the type and its name
+    QByteArray bytes;
+    while (at < text.size() && bytes.size() < count) {
+        int character = static_cast<uchar>(text.at(at));
+        if (character == '"' || character == '\n' || character == '\r')
+            break;
+        if (character == '\\')
+            character = takeEscape(text, at);
+        else
+            ++at;
+        if (character < 0 || character > 0xFF)
+            break;
+        bytes.append(static_cast<char>(character));
+    }
+    return bytes;
+}
+
+/// Whether restoring the value that starts at `at` of `text` is harmless.
+bool isHarmlessValue(const QByteArray &text, int at)
+{
+    const QByteArray bytes = firstBytes(text, at, 64); // enough for the type and its name
+    QDataStream stream(bytes);
     quint32 type = 0;
     stream >> type;
+    if (stream.status() != QDataStream::Ok)
+        return false;
     switch (type) {
-    case QMetaType::UnknownType:
     case QMetaType::Bool:
     case QMetaType::Int:
     case QMetaType::UInt:
@@ -92,6 +127,7 @@ bool isHarmlessValue(const QByteArray &bytes, int offset)
     case QMetaType::QTime:
     case QMetaType::QDateTime:
     case QMetaType::QUrl:
+    case QMetaType::QLocale:
     case QMetaType::QRect:
     case QMetaType::QRectF:
     case QMetaType::QSize:
@@ -105,56 +141,84 @@ bool isHarmlessValue(const QByteArray &bytes, int offset)
     case 127: // a type that goes by its name
         break;
     default:
-        return false;
+        // The other numbers, whose types the settings' version of the stream counts from 97 on.
+        return type >= QMetaType::Long + 97U && type <= QMetaType::Float + 97U;
     }
     quint32 length = 0;
     stream >> length;
-    if (length > 40)
+    QByteArray name(static_cast<int>(std::min(length, 40U)), '\0');
+    if (length > 40 || stream.readRawData(name.data(), name.size()) != name.size())
         return false;
-    QByteArray name(static_cast<int>(length), '\0');
-    stream.readRawData(name.data(), name.size());
     const int named = QMetaType::type(name.constData());
     // A name that nobody knows is not restored at all.
     return named == QMetaType::UnknownType || named == qMetaTypeId<QVector<int>>() ||
            named == qMetaTypeId<QVector<QVector<float>>>();
 }
 
-} // namespace
-
-bool isHarmlessSettingsFile(const QByteArray &file)
+/// Whether every value in binary form in `text` is harmless.
+bool isHarmless(const QByteArray &text)
 {
-    const QByteArray text = unescaped(file);
-    for (const char *start : {"@Variant(", "@DateTime("}) {
-        const int length = static_cast<int>(qstrlen(start));
-        for (int at = text.indexOf(start); at >= 0; at = text.indexOf(start, at + length)) {
-            if (!isHarmlessValue(text, at + length))
-                return false;
+    const QByteArray skeleton = skeletonOf(text);
+    for (const QByteArray &start : {QByteArray("@Variant("), QByteArray("@DateTime(")}) {
+        int values = 0;
+        for (int at = skeleton.indexOf(start); at >= 0; at = skeleton.indexOf(start, at + 1)) {
+            if (at == 0 || skeleton.at(at - 1) != '@') // two of them are a text that begins with one
+                ++values;
         }
+        // As many must be there in plain sight, and harmless.
+        for (int at = text.indexOf(start); at >= 0; at = text.indexOf(start, at + 1)) {
+            if (at > 0 && text.at(at - 1) == '@')
+                continue;
+            if (!isHarmlessValue(text, at + start.size()))
+                return false;
+            --values;
+        }
+        if (values != 0)
+            return false;
     }
     return true;
+}
+
+/// Writes `content` to the file at `path`, whole or not at all.
+bool write(const QString &path, const QByteArray &content)
+{
+    QSaveFile file(path);
+    // Without the flush, the last bytes would be written when it is too late to learn that they could not.
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush() && file.commit();
+}
+
+} // namespace
+
+QByteArray harmlessPartOf(const QByteArray &file)
+{
+    if (isHarmless(file))
+        return file;
+    QByteArray part;
+    const QList<QByteArray> lines = file.split('\n');
+    for (const QByteArray &line : lines) {
+        if (isHarmless(line))
+            part += line + '\n';
+    }
+    return isHarmless(part) ? part : QByteArray(); // nothing if a value stands over several lines
 }
 
 bool mendSettingsFile(const QString &path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return true; // the toolkit cannot read it either
-    const QByteArray content = file.readAll();
-    if (isHarmlessSettingsFile(content))
         return true;
+    const QByteArray content = file.readAll();
+    const QByteArray harmless = harmlessPartOf(content);
+    return harmless == content || (write(path + QStringLiteral(".damaged"), content) && write(path, harmless));
+}
 
-    QByteArray harmless;
-    const QList<QByteArray> lines = content.split('\n');
-    for (const QByteArray &line : lines) {
-        if (isHarmlessSettingsFile(line))
-            harmless += line + '\n';
-    }
-    if (!isHarmlessSettingsFile(harmless)) // a value over several lines
-        harmless.clear();
-
-    const QString kept = path + QStringLiteral(".damaged");
-    QFile::remove(kept);
-    QSaveFile mended(path);
-    return file.copy(kept) && mended.open(QIODevice::WriteOnly) && mended.write(harmless) == harmless.size() &&
-           mended.commit();
+bool hasRoomBeside(const QString &path, qint64 bytes)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QTemporaryFile file(path + QStringLiteral(".XXXXXX"));
+    // Not zeros, which some file systems keep without room for them.
+    QByteArray noise(static_cast<int>(bytes), '\0');
+    for (char &byte : noise)
+        byte = static_cast<char>(QRandomGenerator::global()->generate());
+    return file.open() && file.write(noise) == noise.size() && file.flush();
 }

@@ -79,10 +79,8 @@ int main(int argc, char *argv[])
             clock.restart();
             pasteParamsFromClipboard(pdx3);
             const double ours = static_cast<double>(clock.nsecsElapsed()) * 1e-9;
-            out << qSetFieldWidth(24) << Qt::left << name << qSetFieldWidth(6) << Qt::right << megabytes << Qt::fixed
-                << qSetRealNumberPrecision(2) << qSetFieldWidth(8) << all << qSetFieldWidth(9) << ours
-                << qSetRealNumberPrecision(0) << qSetFieldWidth(10) << peak << qSetRealNumberPrecision(1)
-                << qSetFieldWidth(12) << peak / megabytes << qSetFieldWidth(0) << '\n';
+            out << QString::asprintf("%-24s %5d %7.2f %8.2f %9.0f %11.1f\n", name, megabytes, all, ours, peak,
+                                     peak / megabytes);
             out.flush();
         }
     }

@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSettings>
 #include <QSignalSpy>
 #include <QTextDocument>
 #include <QTimer>
@@ -67,6 +68,8 @@ private slots:
 
     void init()
     {
+        QFile::remove(QSettings("quillmoss", "pdx3").fileName()); // what another window has left
+        pdx3.resetParamList();
         window = std::make_unique<MainWindow>();
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window.get()));

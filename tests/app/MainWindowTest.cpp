@@ -7,6 +7,7 @@
 
 #include <QAbstractButton>
 #include <QMetaMethod>
+#include <QSettings>
 #include <QSignalSpy>
 
 #include <cstring>
@@ -60,6 +61,8 @@ private slots:
     void init()
     {
         pdx3.set(0);
+        QFile::remove(QSettings("quillmoss", "pdx3").fileName()); // what another window has left
+        pdx3.resetParamList();
         window = std::make_unique<MainWindow>();
         ui = window->ui;
     }
