@@ -108,6 +108,15 @@ class ClipboardTest : public QObject
 
     Rows presetRows;
 
+    /// Shows `window` with the presets in its table, whatever the window before has left in the settings.
+    void open(MainWindow &window) const
+    {
+        pdx3.paramList = presetRows;
+        window.show();
+        window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+    }
+
 private slots:
     void initTestCase()
     {
@@ -363,10 +372,7 @@ private slots:
     void shortcutsMeanTheWholeList()
     {
         MainWindow window;
-        pdx3.paramList = presetRows; // whatever the window before has left in the settings
-        window.show();
-        window.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
+        open(window);
         TableParams *table = window.ui->tableParams;
         table->setCurrentIndex(table->model->index(3, 1));
         table->setFocus();
@@ -388,8 +394,7 @@ private slots:
     void menuEntriesMeanTheWholeList()
     {
         MainWindow window;
-        pdx3.paramList = presetRows; // whatever the window before has left in the settings
-        window.show();
+        open(window);
         window.ui->actioncopy->trigger();
         QCOMPARE(QGuiApplication::clipboard()->text().toUtf8(), textOf(presetRows));
         copyElsewhere(textOf(numberedRows()));
@@ -402,10 +407,7 @@ private slots:
     void inAnEditorTheyAreTheEditors()
     {
         MainWindow window;
-        pdx3.paramList = presetRows; // whatever the window before has left in the settings
-        window.show();
-        window.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
+        open(window);
         TableParams *table = window.ui->tableParams;
         const QModelIndex cell = table->model->index(4, 2);
         table->setCurrentIndex(cell);
