@@ -104,6 +104,16 @@ void Pendrix3D::set(float f1, float f2, float f3, float p1, float p2, int c)
     calcCoords();
 }
 
+void Pendrix3D::setRandom()
+{
+    QVector<float> row;
+    row.reserve(rowLength);
+    while (row.size() < rowLength - 1)
+        row.append(static_cast<float>(std::rand() % 100));
+    row.append(static_cast<float>(std::rand() % 5));
+    set(row);
+}
+
 void Pendrix3D::nextSet()
 {
     setIndex += 1;
@@ -117,6 +127,19 @@ void Pendrix3D::resetParamList()
         paramList.append(preset);
     while (paramList.size() < rowCount)
         paramList.append(blankRow);
+}
+
+QStringList Pendrix3D::preset2StringList()
+{
+    QStringList lines;
+    lines.reserve(presets.size());
+    for (const QVector<float> &preset : qAsConst(presets)) {
+        QString line;
+        for (const float value : preset)
+            line += QStringLiteral("%1, ").arg(static_cast<double>(value), 0, 'g', -1);
+        lines.append(line.left(line.length() - 2));
+    }
+    return lines;
 }
 
 float *Pendrix3D::getParams()

@@ -49,6 +49,11 @@ public:
     /// Makes these values current, as a row of the same order would, and computes the curve.
     void set(float f1, float f2, float f3, float p1, float p2, int c);
 
+    /// Makes a random row current and computes its curve: five whole numbers 0 to 99 and a colour mode 0 to 4, each
+    /// from one `rand` of the C library in row order. The phases are whole turns, in effect no offset.
+    /// `paramList` and `setIndex` do not change.
+    void setRandom();
+
     /// Steps to the next preset, after the twelfth to the first, and computes its curve.
     void nextSet();
 
@@ -58,6 +63,10 @@ public:
 
     /// Fills `paramList` anew: the presets and then blank rows up to 64. The curve on screen does not change.
     void resetParamList();
+
+    /// The built-in presets as text, one line a row: six values with up to six significant digits, separated by a comma
+    /// and a blank. The user's rows have no part in it.
+    QStringList preset2StringList();
 
     /// Copies the current parameters to `params`. Every pass does the same at its start.
     void setParams();

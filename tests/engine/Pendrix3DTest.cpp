@@ -285,6 +285,67 @@ private slots:
         QCOMPARE(bitsOf(QVector<float>(pdx3.params, pdx3.params + 6)), bitsOf(row));
     }
 
+    void randomRows()
+    {
+        const auto rows = pdx3.paramList;
+        pdx3.set(7);
+        for (unsigned int seed = 1; seed <= 1000; ++seed) {
+            std::srand(seed);
+            QVector<float> expected;
+            for (const int bound : {100, 100, 100, 100, 100, 5})
+                expected.append(static_cast<float>(std::rand() % bound));
+            const int afterwards = std::rand();
+
+            std::srand(seed);
+            pdx3.setRandom();
+            QCOMPARE(currentBits(), bitsOf(expected.mid(0, 5)));
+            QCOMPARE(bitsOf(QVector<float>(pdx3.getParams(), pdx3.getParams() + 6)), bitsOf(expected));
+            QCOMPARE(pdx3.colorMode, int(expected.at(5)));
+            QCOMPARE(std::rand(), afterwards); // no more was drawn, and nothing seeded
+        }
+        QCOMPARE(pdx3.setIndex, 7);
+        QCOMPARE(pdx3.paramList, rows);
+    }
+
+    void randomRowsShowAtOnce()
+    {
+        std::srand(2);
+        pdx3.set(0);
+        pdx3.setRandom();
+        const QVector<CurvePoint> drawn = pdx3.points;
+        const QVector<QColor> colors = pdx3.colors;
+        pdx3.set(pdx3.freq1, pdx3.freq2, pdx3.freq3, pdx3.phase1, pdx3.phase2, pdx3.colorMode);
+        QCOMPARE(drawn.size(), 16666);
+        for (int i = 0; i < drawn.size(); ++i) {
+            const CurvePoint &point = pdx3.points.at(i);
+            QCOMPARE(bitsOf({drawn.at(i).x, drawn.at(i).y, drawn.at(i).z}), bitsOf({point.x, point.y, point.z}));
+        }
+        QCOMPARE(colors, pdx3.colors);
+    }
+
+    void presetsAsText()
+    {
+        const QStringList expected = {
+            "1, 2, 3, 0.46, 1.5e-08, 1", "2, 3, 4, 0.25, 0, 2",        "1, 3, 1, 0.25, 1.5e-08, 4",
+            "2, 1, 3, 0.37, 0, 2",       "2, 2, 11, 0.25, 1.5e-08, 2", "1, 1, 1.01, 0.25, 0.29, 0",
+            "4, 4, 22, 0.25, 0, 4",      "1, 1, 4, 0.43, 1.5e-08, 3",  "1, 2, 0, 0.1, 0.3, 2",
+            "6, 3, 2, 0.21, 0.3, 0",     "1, 2, -1, 0.1, 0.3, 2",      "6, -3, 2, 0.21, 0.3, 0",
+        };
+        QCOMPARE(pdx3.preset2StringList(), expected);
+
+        const auto rows = pdx3.paramList;
+        pdx3.paramList[0][0] = 9.0F;
+        pdx3.paramList.removeLast();
+        QCOMPARE(pdx3.preset2StringList(), expected);
+        pdx3.paramList = rows;
+
+        const QLocale before;
+        QLocale::setDefault(QLocale(QLocale::German)); // where a decimal comma is written
+        const QStringList german = pdx3.preset2StringList();
+        QLocale::setDefault(before);
+        QCOMPARE(german, expected);
+    }
+
     void drawsOneStripWithTheColorAfterTheVertex()
     {
         for (int preset = 0; preset < 12; ++preset) {
