@@ -81,6 +81,36 @@ void APIENTRY glVertex3f(GLfloat x, GLfloat y, GLfloat z)
     record("glVertex3f", {double(x), double(y), double(z)});
 }
 
+void APIENTRY glVertex3fv(const GLfloat *v)
+{
+    record("glVertex3fv", {double(v[0]), double(v[1]), double(v[2])});
+}
+
+void APIENTRY glVertex2f(GLfloat x, GLfloat y)
+{
+    record("glVertex2f", {double(x), double(y)});
+}
+
+void APIENTRY glNormal3fv(const GLfloat *v)
+{
+    record("glNormal3fv", {double(v[0]), double(v[1]), double(v[2])});
+}
+
+void APIENTRY glTexCoord2f(GLfloat s, GLfloat t)
+{
+    record("glTexCoord2f", {double(s), double(t)});
+}
+
+void APIENTRY glTexCoord2fv(const GLfloat *v)
+{
+    record("glTexCoord2fv", {double(v[0]), double(v[1])});
+}
+
+void APIENTRY glColor3f(GLfloat red, GLfloat green, GLfloat blue)
+{
+    record("glColor3f", {double(red), double(green), double(blue)});
+}
+
 void APIENTRY glColor4f(GLfloat red, GLfloat green, GLfloat blue, GLfloat alpha)
 {
     record("glColor4f", {double(red), double(green), double(blue), double(alpha)});
@@ -89,6 +119,16 @@ void APIENTRY glColor4f(GLfloat red, GLfloat green, GLfloat blue, GLfloat alpha)
 void APIENTRY glClearColor(GLclampf red, GLclampf green, GLclampf blue, GLclampf alpha)
 {
     record("glClearColor", {double(red), double(green), double(blue), double(alpha)});
+}
+
+void APIENTRY glClear(GLbitfield buffers)
+{
+    record("glClear", {double(buffers)});
+}
+
+void APIENTRY glFlush()
+{
+    record("glFlush", {});
 }
 
 void APIENTRY glEnable(GLenum capability)
@@ -104,6 +144,33 @@ void APIENTRY glDepthFunc(GLenum function)
 void APIENTRY glHint(GLenum target, GLenum mode)
 {
     record("glHint", {double(target), double(mode)});
+}
+
+void APIENTRY glShadeModel(GLenum model)
+{
+    record("glShadeModel", {double(model)});
+}
+
+void APIENTRY glLightModeli(GLenum name, GLint value)
+{
+    record("glLightModeli", {double(name), double(value)});
+}
+
+// Of the lights' and the materials' values only colours and positions are asked for, which are fours.
+
+void APIENTRY glLightfv(GLenum light, GLenum name, const GLfloat *v)
+{
+    record("glLightfv", {double(light), double(name), double(v[0]), double(v[1]), double(v[2]), double(v[3])});
+}
+
+void APIENTRY glMaterialfv(GLenum face, GLenum name, const GLfloat *v)
+{
+    record("glMaterialfv", {double(face), double(name), double(v[0]), double(v[1]), double(v[2]), double(v[3])});
+}
+
+void APIENTRY glMaterialf(GLenum face, GLenum name, GLfloat value)
+{
+    record("glMaterialf", {double(face), double(name), double(value)});
 }
 
 void APIENTRY glViewport(GLint x, GLint y, GLsizei width, GLsizei height)
