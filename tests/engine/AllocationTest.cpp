@@ -3,6 +3,7 @@
 #include "engine/Pendrix3D.h"
 
 #include "tests/support/OpenGLStandIn.h"
+#include "tests/support/Sanitizer.h"
 
 #include <QtTest>
 
@@ -15,15 +16,7 @@ long allocations = 0;
 } // namespace
 
 // Under AddressSanitizer the allocator reports to us; otherwise our own entry points stand before the C library's.
-#if defined(__SANITIZE_ADDRESS__)
-#define PENDRIX_ALLOCATION_HOOK
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define PENDRIX_ALLOCATION_HOOK
-#endif
-#endif
-
-#ifdef PENDRIX_ALLOCATION_HOOK
+#ifdef PENDRIX_ADDRESS_SANITIZER
 
 extern "C" int __sanitizer_install_malloc_and_free_hooks( // NOLINT(*-reserved-identifier,cert-dcl*)
     void (*allocated)(const volatile void *, std::size_t), void (*released)(const volatile void *));

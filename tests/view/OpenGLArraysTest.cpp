@@ -3,6 +3,7 @@
 #include "view/OpenGL.h"
 
 #include "tests/support/OpenGLStandIn.h"
+#include "tests/support/Sanitizer.h"
 
 #include <QColor>
 #include <QtTest>
@@ -37,15 +38,7 @@ constexpr int lowest = std::numeric_limits<int>::min();
 } // namespace
 
 // Under AddressSanitizer the allocator stays its own, which tells the kinds of new from each other.
-#if defined(__SANITIZE_ADDRESS__)
-#define PENDRIX_ALLOCATOR_IS_TAKEN
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define PENDRIX_ALLOCATOR_IS_TAKEN
-#endif
-#endif
-
-#ifndef PENDRIX_ALLOCATOR_IS_TAKEN
+#ifndef PENDRIX_ADDRESS_SANITIZER
 
 namespace {
 
@@ -125,7 +118,7 @@ class OpenGLArraysTest : public QObject
 private slots:
     void initTestCase()
     {
-#ifdef PENDRIX_ALLOCATOR_IS_TAKEN
+#ifdef PENDRIX_ADDRESS_SANITIZER
         QSKIP("the sanitizer's allocator cannot be replaced; it reports leaks itself");
 #endif
         OpenGLStandIn::setRecording(false);
