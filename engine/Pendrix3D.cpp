@@ -3,6 +3,9 @@
 #include "color/ColorScale.h"
 #include "color/FloatModel.h"
 #include "color/Truncate.h"
+#include "engine/DampedSine.h"
+#include "engine/PaletteEntry.h"
+#include "engine/Sequence.h"
 
 #include <qopengl.h>
 
@@ -12,6 +15,7 @@
 #include <ctime>
 #include <iterator>
 #include <limits>
+#include <new>
 
 namespace {
 
@@ -44,16 +48,27 @@ float drifted(float frequency, double step)
     return static_cast<float>(static_cast<double>(frequency) + step);
 }
 
-/// The oscillator's displacement: the sine of the float `angle`, damped, in double and rounded to float.
-float displacement(float angle, float amplitude)
+/// The time of the point after the one at `t`.
+float timeAfter(float t)
 {
-    return static_cast<float>(std::sin(static_cast<double>(angle)) * static_cast<double>(amplitude));
+    return static_cast<float>(static_cast<double>(t) + 0.02);
 }
 
-/// `position` without its whole turns of the palette, in [0, 1) for a position that is not negative.
-float wrapped(float position)
+// The bytes of a packed colour 0x00RRGGBB.
+
+std::size_t redOf(unsigned int color)
 {
-    return static_cast<float>(std::fmod(static_cast<double>(position), 1.0));
+    return (color >> 16U) & 255U;
+}
+
+std::size_t greenOf(unsigned int color)
+{
+    return (color >> 8U) & 255U;
+}
+
+std::size_t blueOf(unsigned int color)
+{
+    return color & 255U;
 }
 
 } // namespace
@@ -67,6 +82,9 @@ Pendrix3D::Pendrix3D()
     palette = new unsigned int[static_cast<std::size_t>(paletteSize)];
     for (int i = 0; i < paletteSize; ++i)
         palette[i] = ColorScaleHSL(0x0000FF, 0xFF0000, static_cast<float>(i) * 0.001953125F); // i / 512
+
+    for (int byte = 0; byte < 256; ++byte)
+        byteShares[byte] = sharesOf(QColor(byte, byte, byte)).red;
 
     presets.reserve(presetCount);
     for (const auto &preset : presetTable)
@@ -157,18 +175,28 @@ void Pendrix3D::setParams()
     params[5] = static_cast<float>(colorMode);
 }
 
+Pendrix3D::ColorShares Pendrix3D::sharesOf(const QColor &color)
+{
+    return {static_cast<float>(color.redF()), static_cast<float>(color.greenF()), static_cast<float>(color.blueF()),
+            static_cast<float>(color.alphaF())};
+}
+
 void Pendrix3D::draw()
 {
     // Whoever changed a list since the last pass gets a shorter strip, never a read past its end.
     const int count = std::min({nPoints, points.size(), colors.size()});
+    // The colours share their storage with those of the pass until somebody writes to them.
+    const bool colorsAreOfPass = colors.constData() == colorsOfPass.constData();
+    const CurvePoint *const point = points.constData();
+    const QColor *const color = colors.constData();
+    const int *const entry = entries.constData();
+    const ColorShares *const paletteShare = paletteShares.constData();
 
     glBegin(GL_LINE_STRIP);
     for (int i = 0; i < count; ++i) {
-        const CurvePoint &point = points.at(i);
-        const QColor &color = colors.at(i);
-        glVertex3f(point.x, point.y, point.z);
-        glColor4f(static_cast<float>(color.redF()), static_cast<float>(color.greenF()),
-                  static_cast<float>(color.blueF()), static_cast<float>(color.alphaF()));
+        const ColorShares share = colorsAreOfPass ? paletteShare[entry[i]] : sharesOf(color[i]);
+        glVertex3f(point[i].x, point[i].y, point[i].z);
+        glColor4f(share.red, share.green, share.blue, share.alpha);
     }
     glEnd();
 }
@@ -185,6 +213,45 @@ void Pendrix3D::next(double dFreq1, double dFreq3)
     calcCoords();
 }
 
+// One point, as it is defined. A pass computes the same by blocks of points.
+void Pendrix3D::calcSegment(int i)
+{
+    t = timeAfter(t);
+    amplitude = amplitude - step;
+    x = dampedSine(freq2 * t, amplitude);
+    y = dampedSine(phase1 * twoPi + freq1 * t, amplitude);
+    z = dampedSine(phase2 * twoPi + freq3 * t, amplitude);
+    setColor(entryAt(palettePosition(i), paletteSize) % paletteSize);
+}
+
+void Pendrix3D::setColor(int entry)
+{
+    const unsigned int color = palette[entry];
+    red = static_cast<int>(redOf(color));
+    green = static_cast<int>(greenOf(color));
+    blue = static_cast<int>(blueOf(color));
+    alpha = 1;
+}
+
+/// The place on the palette of point `i`, which has just been computed.
+float Pendrix3D::palettePosition(int i) const
+{
+    switch (colorMode) {
+    case 0:
+        return positionAlongCurve(i, nPoints);
+    case 1:
+        return positionByHeight(z, total);
+    case 2:
+        return positionByRadius(x, y, z, radiusScale);
+    case 3:
+        return positionByTime(t, twoPi);
+    case 4:
+        return positionByTime(t, twoPi * 0.125F);
+    default:
+        return positionOfOtherModes;
+    }
+}
+
 void Pendrix3D::calcCoords()
 {
     setParams();
@@ -192,52 +259,100 @@ void Pendrix3D::calcCoords()
     t = 0.0F;
     nPoints = truncatedOr(static_cast<double>(total / step), 0);
 
-    points.clear(); // keeps the storage
-    colors.clear();
-    points.reserve(std::max(nPoints, 0));
-    colors.reserve(std::max(nPoints, 0));
-    for (int i = 0; i < nPoints; ++i) {
-        calcSegment(i);
-        points.append({x, y, z});
-        colors.append(QColor(static_cast<QRgb>(alpha) << 24U | static_cast<QRgb>(red) << 16U |
-                             static_cast<QRgb>(green) << 8U | static_cast<QRgb>(blue)));
+    preparePalette();
+    const int count = std::max(nPoints, 0);
+    colorsOfPass = {};    // so that nobody shares the colours, which would be copied
+    points.resize(count); // keeps the storage, as the next ones do
+    colors.resize(count);
+    entries.resize(count);
+    for (int first = 0; first < count; first += blockLength)
+        calcBlock(first, std::min(count - first, blockLength));
+    colorsOfPass = colors;
+}
+
+void Pendrix3D::preparePalette()
+{
+    paletteColors.resize(paletteSize);
+    paletteShares.resize(paletteSize);
+    for (int i = 0; i < paletteSize; ++i) {
+        const unsigned int color = palette[i];
+        paletteColors[i] = QColor(color);
+        paletteShares[i] = {byteShares[redOf(color)], byteShares[greenOf(color)], byteShares[blueOf(color)], 1.0F};
     }
 }
 
-void Pendrix3D::calcSegment(int i)
+// The steps of calcSegment, each for all points of the block before the next step: loops that become vector
+// instructions.
+void Pendrix3D::calcBlock(int first, int count)
 {
-    t = static_cast<float>(static_cast<double>(t) + 0.02);
-    amplitude = amplitude - step;
-    x = displacement(freq2 * t, amplitude);
-    y = displacement(phase1 * twoPi + freq1 * t, amplitude);
-    z = displacement(phase2 * twoPi + freq3 * t, amplitude);
-
-    // A position of 1 or more goes round the palette again. One that is not finite, does not fit an int or is negative
-    // has no place on it and takes entry 0.
-    const float entry = static_cast<float>(paletteSize) * palettePosition(i);
-    const int index = truncatedOr(static_cast<double>(entry), 0) % paletteSize;
-    const unsigned int color = palette[std::max(index, 0)];
-    red = static_cast<int>((color >> 16U) & 255U);
-    green = static_cast<int>((color >> 8U) & 255U);
-    blue = static_cast<int>(color & 255U);
-    alpha = 1;
+    calcPositions(first, count);
+    calcColors(first, count);
+    x = block.x[count - 1];
+    y = block.y[count - 1];
+    z = block.z[count - 1];
+    setColor(entries.at(first + count - 1));
 }
 
-/// The place on the palette, in palette lengths, of point `i`, which has just been computed.
-float Pendrix3D::palettePosition(int i) const
+void Pendrix3D::calcPositions(int first, int count)
 {
+    t = fillSequence(t, block.times, count, timeAfter);
+    amplitude = fillSequence(amplitude, block.amplitudes, count, [this](float a) { return a - step; });
+
+    for (int j = 0; j < count; ++j)
+        block.angles[j] = freq2 * block.times[j];
+    dampedSines(block.angles, block.amplitudes, block.x, count);
+    for (int j = 0; j < count; ++j)
+        block.angles[j] = phase1 * twoPi + freq1 * block.times[j];
+    dampedSines(block.angles, block.amplitudes, block.y, count);
+    for (int j = 0; j < count; ++j)
+        block.angles[j] = phase2 * twoPi + freq3 * block.times[j];
+    dampedSines(block.angles, block.amplitudes, block.z, count);
+
+    CurvePoint *const point = points.data() + first;
+    for (int j = 0; j < count; ++j)
+        point[j] = {block.x[j], block.y[j], block.z[j]};
+}
+
+void Pendrix3D::calcColors(int first, int count)
+{
+    float *const positions = block.positions;
     switch (colorMode) {
     case 0:
-        return static_cast<float>(i) / static_cast<float>(nPoints);
+        for (int j = 0; j < count; ++j)
+            positions[j] = positionAlongCurve(first + j, nPoints);
+        break;
     case 1:
-        return wrapped(z / (total + total) + 0.5F);
+        for (int j = 0; j < count; ++j)
+            positions[j] = positionByHeight(block.z[j], total);
+        break;
     case 2:
-        return std::sqrt(x * x + y * y + z * z) / radiusScale * 1.5F;
+        for (int j = 0; j < count; ++j)
+            positions[j] = positionByRadius(block.x[j], block.y[j], block.z[j], radiusScale);
+        break;
     case 3:
-        return wrapped(t / twoPi);
+        for (int j = 0; j < count; ++j)
+            positions[j] = positionByTime(block.times[j], twoPi);
+        break;
     case 4:
-        return wrapped(t / (twoPi * 0.125F));
+        for (int j = 0; j < count; ++j)
+            positions[j] = positionByTime(block.times[j], twoPi * 0.125F);
+        break;
     default:
-        return 1.0F;
+        std::fill_n(positions, count, positionOfOtherModes);
     }
+    int *const entry = entries.data() + first;
+    int highest = 0;
+    for (int j = 0; j < count; ++j) {
+        entry[j] = entryAt(positions[j], paletteSize);
+        highest = std::max(highest, entry[j]);
+    }
+    if (highest >= paletteSize) { // divisions cost more than all the rest here
+        for (int j = 0; j < count; ++j)
+            entry[j] %= paletteSize;
+    }
+
+    QColor *const color = colors.data() + first;
+    const QColor *const paletteColor = paletteColors.constData();
+    for (int j = 0; j < count; ++j)
+        new (color + j) QColor(paletteColor[entry[j]]); // an assignment would be a call
 }

@@ -87,6 +87,8 @@ public:
     /// Computes the curve of the current parameters: `nPoints` points and as many colours, entry i of `colors` being
     /// the colour of point i. A `total` / `step` that is negative, NaN or does not fit an int gives no points.
     /// The lists keep their storage from pass to pass, so that a pass allocates nothing once they have grown.
+    /// Afterwards the fields hold the last point's values. Every point is what calcSegment gives, to the bit; see
+    /// DampedSine.h.
     void calcCoords();
 
     /// Moves time and amplitude on by one point and computes the position and the colour of point `i`.
@@ -168,7 +170,47 @@ public:
 private:
     Q_DISABLE_COPY(Pendrix3D)
 
+    /// A colour's floating-point components, narrowed to float.
+    struct ColorShares
+    {
+        float red;
+        float green;
+        float blue;
+        float alpha;
+    };
+    static ColorShares sharesOf(const QColor &color);
+    /// The share of a colour's component by its byte.
+    float byteShares[256] = {};
+
+    /// Points of a pass that are computed together, step by step; few enough to stay in the processor's first cache.
+    static constexpr int blockLength = 256;
+    struct Block
+    {
+        float times[blockLength];
+        float amplitudes[blockLength];
+        float angles[blockLength];
+        float x[blockLength];
+        float y[blockLength];
+        float z[blockLength];
+        float positions[blockLength]; ///< on the palette
+    };
+
+    void preparePalette();
+    void calcBlock(int first, int count);
+    void calcPositions(int first, int count);
+    void calcColors(int first, int count);
+    void setColor(int entry);
     float palettePosition(int i) const;
+
+    // Scratch space of the passes, kept for the next one.
+    Block block = {};
+    /// The palette as of the last pass, as colours and as what OpenGL is told of them.
+    QVector<QColor> paletteColors;
+    QVector<ColorShares> paletteShares;
+    /// The palette entry of each point of the last pass.
+    QVector<int> entries;
+    /// The colours as the last pass left them: it shares their storage, and `colors` leaves it when it is written to.
+    QVector<QColor> colorsOfPass;
 };
 
 /// The program's engine, constructed before main.

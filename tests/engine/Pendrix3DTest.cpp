@@ -369,6 +369,54 @@ private slots:
         }
     }
 
+    void drawsColorsThatWereChanged()
+    {
+        const auto colorCall = [](int point) {
+            OpenGLStandIn::clear();
+            pdx3.draw();
+            return OpenGLStandIn::calls().at(2 + 2 * point);
+        };
+        const auto callOf = [](const QColor &color) {
+            return OpenGLCall{"glColor4f",
+                              {double(float(color.redF())), double(float(color.greenF())), double(float(color.blueF())),
+                               double(float(color.alphaF()))}};
+        };
+        pdx3.set(0);
+        const QColor before = pdx3.colors.at(5);
+        const QColor odd = QColor::fromHsvF(0.3, 0.41, 0.72, 0.123);
+        pdx3.colors[5] = odd;
+        QCOMPARE(colorCall(5), callOf(odd));
+        QCOMPARE(colorCall(6), callOf(pdx3.colors.at(6)));
+
+        pdx3.colors = QVector<QColor>(16666, QColor(Qt::transparent));
+        QCOMPARE(colorCall(5), callOf(Qt::transparent));
+        pdx3.calcCoords();
+        QCOMPARE(colorCall(5), callOf(before));
+
+        // Copies that others hold keep what they were given, and the engine its own.
+        QVector<QColor> copy = pdx3.colors;
+        copy[5] = odd;
+        QCOMPARE(colorCall(5), callOf(before));
+        const QVector<QColor> held = pdx3.colors;
+        const QVector<CurvePoint> heldPoints = pdx3.points;
+        const CurvePoint heldPoint = heldPoints.at(5);
+        pdx3.set(1);
+        QCOMPARE(held.at(5), before);
+        QCOMPARE(bitsOf(heldPoints.at(5).x), bitsOf(heldPoint.x));
+        QVERIFY(pdx3.colors.at(5) != before);
+        QCOMPARE(colorCall(5), callOf(pdx3.colors.at(5)));
+
+        // A changed palette shows from the next pass on.
+        const unsigned int saved = pdx3.palette[0];
+        pdx3.set(0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 9);
+        pdx3.palette[0] = 0x123456;
+        QCOMPARE(colorCall(5), callOf(QColor(saved)));
+        pdx3.calcCoords();
+        QCOMPARE(colorCall(5), callOf(QColor(0x12, 0x34, 0x56)));
+        pdx3.palette[0] = saved;
+        pdx3.calcCoords();
+    }
+
     void drawsAnEmptyCurve()
     {
         const QVector<OpenGLCall> nothing = {{"glBegin", {GL_LINE_STRIP}}, {"glEnd", {}}};

@@ -1,0 +1,23 @@
+# Code that is compiled several times, for processors of different abilities. The program asks at run time which of
+# them it may use; whatever is compiled here must not share an inline function with the rest.
+
+# The sets there are for this compiler and processor: Baseline is what the whole build is for.
+set(PENDRIX_INSTRUCTION_SETS)
+if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+  list(APPEND PENDRIX_INSTRUCTION_SETS Baseline)
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$" AND CMAKE_SIZEOF_VOID_P EQUAL 8)
+    list(APPEND PENDRIX_INSTRUCTION_SETS Avx2 Avx512)
+  endif()
+endif()
+set(PENDRIX_FLAGS_Baseline)
+set(PENDRIX_FLAGS_Avx2 -mavx2 -mfma -ffp-contract=fast)
+set(PENDRIX_FLAGS_Avx512
+  -mavx512f -mavx512dq -mavx512vl -mfma -mprefer-vector-width=512 -ffp-contract=fast)
+
+# pendrix_for_instruction_set(TARGET SET SOURCE ...): the sources as an object library for one of the sets.
+function(pendrix_for_instruction_set target set)
+  add_library(${target} OBJECT ${ARGN})
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
+  pendrix_target(${target})
+  target_compile_options(${target} PRIVATE ${PENDRIX_FLAGS_${set}})
+endfunction()

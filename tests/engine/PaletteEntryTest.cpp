@@ -1,0 +1,104 @@
+// Places on the palette, bit for bit, against their definitions.
+
+#include "engine/PaletteEntry.h"
+
+#include <QtTest>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+
+namespace {
+
+quint32 bitsOf(float value)
+{
+    quint32 bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits;
+}
+
+float floatOf(quint32 bits)
+{
+    float value = 0.0F;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
+}
+
+/// The same float; a zero of either sign is as good as the other.
+bool sameNumber(float a, float b)
+{
+    return a == b || (std::isnan(a) && std::isnan(b));
+}
+
+float remainderOfOne(float value)
+{
+    return static_cast<float>(std::fmod(double(value), 1.0));
+}
+
+} // namespace
+
+class PaletteEntryTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void wrapping()
+    {
+        // From every exponent all the hard mantissas, and of the rest every 1009th float.
+        for (quint32 exponent = 0; exponent < 512; ++exponent) {
+            for (quint32 mantissa : {0U, 1U, 2U, 0x3FFFFFU, 0x400000U, 0x400001U, 0x7FFFFEU, 0x7FFFFFU}) {
+                const float value = floatOf(exponent << 23U | mantissa);
+                QVERIFY2(sameNumber(wrapped(value), remainderOfOne(value)), qPrintable(QString::number(value)));
+            }
+        }
+        for (quint64 bits = 0; bits < 0x100000000U; bits += 1009) {
+            const float value = floatOf(static_cast<quint32>(bits));
+            QVERIFY(sameNumber(wrapped(value), remainderOfOne(value)));
+        }
+        QCOMPARE(bitsOf(wrapped(2.75F)), bitsOf(0.75F));
+        QCOMPARE(bitsOf(wrapped(-2.75F)), bitsOf(-0.75F));
+    }
+
+    void positions()
+    {
+        QCOMPARE(positionAlongCurve(0, 16666), 0.0F);
+        QCOMPARE(positionAlongCurve(8333, 16666), 0.5F);
+        QCOMPARE(positionByHeight(0.0F, 1.0F), 0.5F);
+        QCOMPARE(positionByHeight(1.0F, 1.0F), 0.0F);
+        QCOMPARE(positionByHeight(-2.0F, 2.0F), 0.0F);
+        QCOMPARE(positionByRadius(3.0F, 0.0F, 4.0F, 2.0F), 3.75F);
+        QCOMPARE(positionByTime(5.0F, 4.0F), 0.25F);
+    }
+
+    void entries_data()
+    {
+        constexpr float infinity = std::numeric_limits<float>::infinity();
+        QTest::addColumn<float>("position");
+        QTest::addColumn<int>("entry");
+        QTest::newRow("start") << 0.0F << 0;
+        QTest::newRow("minus zero") << -0.0F << 0;
+        QTest::newRow("half") << 0.5F << 256;
+        QTest::newRow("just under half") << 0.49999997F << 255;
+        QTest::newRow("last") << 0.9999999F << 511;
+        QTest::newRow("round") << 1.0F << 512;
+        QTest::newRow("further round") << 2.6F << 1331;
+        QTest::newRow("negative") << -0.3F << 0;
+        QTest::newRow("far negative") << -1e38F << 0;
+        QTest::newRow("highest that fits") << 4194303.75F << 2147483520;
+        QTest::newRow("beyond an int") << 4194304.0F << 0;
+        QTest::newRow("inf") << infinity << 0;
+        QTest::newRow("-inf") << -infinity << 0;
+        QTest::newRow("nan") << std::numeric_limits<float>::quiet_NaN() << 0;
+    }
+
+    void entries()
+    {
+        QFETCH(float, position);
+        QFETCH(int, entry);
+        QCOMPARE(entryAt(position, 512), entry);
+    }
+};
+
+QTEST_APPLESS_MAIN(PaletteEntryTest)
+#include "PaletteEntryTest.moc"
