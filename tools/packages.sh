@@ -21,8 +21,12 @@ to_check=(
   "clang-format:program clang-format"
   "clang-tidy:program clang-tidy"
   "clazy:program clazy-standalone"
-  "libbenchmark-dev:modules benchmark"
   "shellcheck:program shellcheck"
+)
+
+# shellcheck disable=SC2034
+to_measure=(
+  "libbenchmark-dev:modules benchmark"
 )
 
 # install_missing REQUIREMENT ...: makes them present, or stops the script with a word on what is missing.

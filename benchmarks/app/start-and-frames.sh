@@ -1,0 +1,104 @@
+#!/usr/bin/env bash
+# What the program costs beyond its empty window: start-and-frames.sh PROGRAM TWIN PRELOAD [N]
+# Starts PROGRAM and TWIN (pendrix_empty_twin) N times each, in turns, with PRELOAD (libpendrix_first_frame.so) watching
+# their frames, and prints what both took. N is 11 unless given; a start takes about seven seconds.
+# Needs a display: tools/on-virtual-display.sh benchmarks/app/start-and-frames.sh ...
+set -euo pipefail
+export LC_ALL=C # a dot in numbers
+
+if [ $# -lt 3 ] || [ $# -gt 4 ]; then
+  sed -n '2,5s/^# //p' "${BASH_SOURCE[0]}" >&2
+  exit 2
+fi
+program=$(realpath "$1")
+twin=$(realpath "$2")
+preload=$(realpath "$3")
+rounds=${4:-11}
+
+pid=
+scratch=$(mktemp --directory)
+trap '[ -z "$pid" ] || kill "$pid" 2> /dev/null || :; rm -rf "$scratch"' EXIT
+mkfifo "$scratch/report"
+exec 3<> "$scratch/report"
+
+# measure NAME PROGRAM: starts it with no settings and adds its report, after NAME, to the figures.
+measure() {
+  local report
+  rm -rf "$scratch/settings"
+  (
+    # The caches of compiled shaders are common to all runs, and none but theirs.
+    export XDG_CONFIG_HOME=$scratch/settings XDG_CACHE_HOME=$scratch/cache QT_XCB_GL_INTEGRATION=xcb_glx
+    export LD_PRELOAD=$preload FIRST_FRAME_REPORT=$scratch/report FIRST_FRAME_START=$EPOCHREALTIME
+    exec "$2"
+  ) &
+  pid=$!
+  if ! read -r -t 120 -u 3 report; then
+    echo "$2 has not shown its frames." >&2
+    exit 1
+  fi
+  kill "$pid" 2> /dev/null || :
+  wait "$pid" 2> /dev/null || :
+  pid=
+  echo "$1 $report" >> "$scratch/figures"
+}
+
+# The first start of each fills the caches and does not count.
+measure program "$program"
+measure twin "$twin"
+: > "$scratch/figures"
+for ((round = 0; round < rounds; ++round)); do
+  if ((round % 2 == 0)); then
+    measure program "$program"
+    measure twin "$twin"
+  else
+    measure twin "$twin"
+    measure program "$program"
+  fi
+done
+
+awk '
+  function note(what, value) { figures[$1, what, ++count[$1, what]] = value }
+
+  # The quantile of what NAME took: 0.5 is the median.
+  function quantile(name, what, part,    n, i, j, place, low, sorted) {
+    n = count[name, what]
+    for (i = 1; i <= n; ++i) {
+      for (j = i; j > 1 && sorted[j - 1] > figures[name, what, i]; --j)
+        sorted[j] = sorted[j - 1]
+      sorted[j] = figures[name, what, i]
+    }
+    place = 1 + part * (n - 1)
+    low = int(place)
+    return low == n ? sorted[n] : sorted[low] + (place - low) * (sorted[low + 1] - sorted[low])
+  }
+
+  function column(name, what) {
+    printf " %8.2f  %7.2f .. %7.2f", quantile(name, what, 0.5), quantile(name, what, 0.25), quantile(name, what, 0.75)
+  }
+
+  function line(title, what) {
+    printf "%-28s", title
+    column("program", what)
+    printf "  "
+    column("twin", what)
+    printf "  %6.3f\n", quantile("program", what, 0.5) / quantile("twin", what, 0.5)
+  }
+
+  {
+    note("first", $2 * 1000)
+    note("work", $3 * 1000)
+    note("memory", $4 / 1024)
+    note("rate", $5 / $6)
+    note("processor", $7 / $5 * 1000)
+    note("later", $8 / 1024)
+  }
+
+  END {
+    printf "%-28s %8s  %18s   %8s  %18s  %6s\n", "", "program", "quartiles", "twin", "quartiles", "ratio"
+    line("start to first frame, ms", "first")
+    line("processor until then, ms", "work")
+    line("resident then, MB", "memory")
+    line("resident after 6 s, MB", "later")
+    line("processor per frame, ms", "processor")
+    line("frames per second", "rate")
+  }' "$scratch/figures"

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QStandardItemModel>
+#include <QTableView>
+
+/// Stands for the program's table: no rows and no columns.
+class TableParams : public QTableView
+{
+public:
+    explicit TableParams(QWidget *parent) : QTableView(parent) { setModel(new QStandardItemModel(this)); }
+};
