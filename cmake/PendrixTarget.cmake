@@ -16,7 +16,6 @@ function(pendrix_target target)
   if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
     target_compile_options(${target} PRIVATE
       -fno-fast-math -ffp-contract=off
-      -fno-math-errno -fno-trapping-math # change no result; loops with roots and conversions become vector instructions
       -Wall -Wextra -Wpedantic -Wconversion -Wshadow
       $<$<BOOL:${PENDRIX_WERROR}>:-Werror>)
     target_link_options(${target} PRIVATE -fno-fast-math)

@@ -48,37 +48,37 @@ DampedSineMethod fastestMethod()
     return DampedSineMethod::Library;
 }
 
-struct Way
+struct MethodInUse
 {
     DampedSineMethod method;
     Kernel *kernel;
 };
 
 // A local, because the engine computes a curve before main.
-Way &wayInUse()
+MethodInUse &methodInUse()
 {
-    static Way way = {fastestMethod(), kernelOf(fastestMethod())};
-    return way;
+    static MethodInUse inUse = {fastestMethod(), kernelOf(fastestMethod())};
+    return inUse;
 }
 
-/// Puts the exact value where `doubtful` is not 0. Returns how many they were.
-int settle(const float *angles, const float *amplitudes, float *displacements, const int *doubtful, int count)
+/// Computes the displacements whose `doubtful` is not 0 as they are defined. Returns how many they were.
+int computeDoubtful(const float *angles, const float *amplitudes, float *displacements, const int *doubtful, int count)
 {
-    int settled = 0;
+    int computed = 0;
     for (int i = 0; i < count; ++i) {
         if (doubtful[i]) {
             displacements[i] = dampedSine(angles[i], amplitudes[i]);
-            ++settled;
+            ++computed;
         }
     }
-    return settled;
+    return computed;
 }
 
 } // namespace
 
 int dampedSines(const float *angles, const float *amplitudes, float *displacements, int count)
 {
-    Kernel *const kernel = wayInUse().kernel;
+    Kernel *const kernel = methodInUse().kernel;
     if (!kernel) {
         for (int i = 0; i < count; ++i)
             displacements[i] = dampedSine(angles[i], amplitudes[i]);
@@ -87,13 +87,14 @@ int dampedSines(const float *angles, const float *amplitudes, float *displacemen
 
     std::array<int, 256> doubtful; // NOLINT(*-member-init): the kernel fills it
     constexpr int blockLength = static_cast<int>(doubtful.size());
-    int settled = 0;
+    int computed = 0;
     for (int first = 0; first < count; first += blockLength) {
         const int length = std::min(count - first, blockLength);
         if (kernel(angles + first, amplitudes + first, displacements + first, doubtful.data(), length))
-            settled += settle(angles + first, amplitudes + first, displacements + first, doubtful.data(), length);
+            computed +=
+                computeDoubtful(angles + first, amplitudes + first, displacements + first, doubtful.data(), length);
     }
-    return settled;
+    return computed;
 }
 
 bool isAvailable(DampedSineMethod method)
@@ -103,11 +104,11 @@ bool isAvailable(DampedSineMethod method)
 
 DampedSineMethod dampedSineMethod()
 {
-    return wayInUse().method;
+    return methodInUse().method;
 }
 
 void setDampedSineMethod(DampedSineMethod method)
 {
     if (isAvailable(method))
-        wayInUse() = {method, kernelOf(method)};
+        methodInUse() = {method, kernelOf(method)};
 }

@@ -4,8 +4,8 @@
 
 #include "engine/VectorSine.h"
 
-/// Sets displacements[i] to the lower end of the interval in which sin(angles[i]) amplitudes[i] lies, rounded to float,
-/// and doubtful[i] to 0 if the upper end rounds to the same float, to 1 if not or if the angle is out of range.
+/// Sets displacements[i] to the end nearer to 0 of the interval in which sin(angles[i]) amplitudes[i] lies, rounded to
+/// float, and doubtful[i] to 0 if the other end rounds to the same float, to 1 if not or if the angle is out of range.
 /// Returns whether any is doubtful.
 ///
 /// The interval is the product -+ 2^-49 of it. It holds the error of vectorSine, 2^-50, that of the C library's sine,
@@ -17,12 +17,12 @@ int PENDRIX_KERNEL(const float *__restrict angles, const float *__restrict ampli
     int anyDoubtful = 0;
     for (int i = 0; i < count; ++i) {
         const double product = vectorSine(static_cast<double>(angles[i])) * static_cast<double>(amplitudes[i]);
-        const auto lower = static_cast<float>(product * (1.0 - 0x1p-49));
-        const auto upper = static_cast<float>(product * (1.0 + 0x1p-49));
+        const auto nearer = static_cast<float>(product * (1.0 - 0x1p-49));
+        const auto farther = static_cast<float>(product * (1.0 + 0x1p-49));
         const float size = __builtin_fabsf(angles[i]);
         // False for NaN. A zero angle is left to the definition for the sign of its sine.
-        const bool certain = (lower == upper) & (size > 0.0F) & (size <= 0x1p+22F);
-        displacements[i] = lower;
+        const bool certain = (nearer == farther) & (size > 0.0F) & (size <= 0x1p+22F);
+        displacements[i] = nearer;
         doubtful[i] = certain ? 0 : 1;
         anyDoubtful |= doubtful[i];
     }

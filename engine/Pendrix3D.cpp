@@ -84,11 +84,14 @@ Pendrix3D::Pendrix3D()
         palette[i] = ColorScaleHSL(0x0000FF, 0xFF0000, static_cast<float>(i) * 0.001953125F); // i / 512
 
     for (int byte = 0; byte < 256; ++byte)
-        byteShares[byte] = sharesOf(QColor(byte, byte, byte)).red;
+        byteComponents[byte] = componentsOf(QColor(byte, byte, byte)).red;
 
     presets.reserve(presetCount);
-    for (const auto &preset : presetTable)
-        presets.append(QVector<float>(std::begin(preset), std::end(preset)));
+    for (const auto &preset : presetTable) {
+        QVector<float> row(rowLength);
+        std::copy(std::begin(preset), std::end(preset), row.begin());
+        presets.append(row);
+    }
 
     std::srand(static_cast<unsigned int>(std::time(nullptr)));
     set(0);
@@ -175,7 +178,7 @@ void Pendrix3D::setParams()
     params[5] = static_cast<float>(colorMode);
 }
 
-Pendrix3D::ColorShares Pendrix3D::sharesOf(const QColor &color)
+Pendrix3D::ColorComponents Pendrix3D::componentsOf(const QColor &color)
 {
     return {static_cast<float>(color.redF()), static_cast<float>(color.greenF()), static_cast<float>(color.blueF()),
             static_cast<float>(color.alphaF())};
@@ -190,13 +193,13 @@ void Pendrix3D::draw()
     const CurvePoint *const point = points.constData();
     const QColor *const color = colors.constData();
     const int *const entry = entries.constData();
-    const ColorShares *const paletteShare = paletteShares.constData();
+    const ColorComponents *const paletteComponent = paletteComponents.constData();
 
     glBegin(GL_LINE_STRIP);
     for (int i = 0; i < count; ++i) {
-        const ColorShares share = colorsAreOfPass ? paletteShare[entry[i]] : sharesOf(color[i]);
+        const ColorComponents parts = colorsAreOfPass ? paletteComponent[entry[i]] : componentsOf(color[i]);
         glVertex3f(point[i].x, point[i].y, point[i].z);
-        glColor4f(share.red, share.green, share.blue, share.alpha);
+        glColor4f(parts.red, parts.green, parts.blue, parts.alpha);
     }
     glEnd();
 }
@@ -221,7 +224,7 @@ void Pendrix3D::calcSegment(int i)
     x = dampedSine(freq2 * t, amplitude);
     y = dampedSine(phase1 * twoPi + freq1 * t, amplitude);
     z = dampedSine(phase2 * twoPi + freq3 * t, amplitude);
-    setColor(entryAt(palettePosition(i), paletteSize) % paletteSize);
+    setColor(entryAt(palettePlace(i), paletteSize) % paletteSize);
 }
 
 void Pendrix3D::setColor(int entry)
@@ -233,22 +236,22 @@ void Pendrix3D::setColor(int entry)
     alpha = 1;
 }
 
-/// The place on the palette of point `i`, which has just been computed.
-float Pendrix3D::palettePosition(int i) const
+/// The place on the palette of point `i`, which has just been computed. calcColors has the same for a block.
+float Pendrix3D::palettePlace(int i) const
 {
     switch (colorMode) {
     case 0:
-        return positionAlongCurve(i, nPoints);
+        return placeAlongCurve(i, nPoints);
     case 1:
-        return positionByHeight(z, total);
+        return placeByHeight(z, total);
     case 2:
-        return positionByRadius(x, y, z, radiusScale);
+        return placeByRadius(x, y, z, radiusScale);
     case 3:
-        return positionByTime(t, twoPi);
+        return placeByTime(t, twoPi);
     case 4:
-        return positionByTime(t, twoPi * 0.125F);
+        return placeByTime(t, twoPi * 0.125F);
     default:
-        return positionOfOtherModes;
+        return placeOfOtherModes;
     }
 }
 
@@ -273,11 +276,12 @@ void Pendrix3D::calcCoords()
 void Pendrix3D::preparePalette()
 {
     paletteColors.resize(paletteSize);
-    paletteShares.resize(paletteSize);
+    paletteComponents.resize(paletteSize);
     for (int i = 0; i < paletteSize; ++i) {
         const unsigned int color = palette[i];
         paletteColors[i] = QColor(color);
-        paletteShares[i] = {byteShares[redOf(color)], byteShares[greenOf(color)], byteShares[blueOf(color)], 1.0F};
+        paletteComponents[i] = {byteComponents[redOf(color)], byteComponents[greenOf(color)],
+                                byteComponents[blueOf(color)], 1.0F};
     }
 }
 
@@ -285,7 +289,7 @@ void Pendrix3D::preparePalette()
 // instructions.
 void Pendrix3D::calcBlock(int first, int count)
 {
-    calcPositions(first, count);
+    calcPoints(first, count);
     calcColors(first, count);
     x = block.x[count - 1];
     y = block.y[count - 1];
@@ -293,7 +297,7 @@ void Pendrix3D::calcBlock(int first, int count)
     setColor(entries.at(first + count - 1));
 }
 
-void Pendrix3D::calcPositions(int first, int count)
+void Pendrix3D::calcPoints(int first, int count)
 {
     t = fillSequence(t, block.times, count, timeAfter);
     amplitude = fillSequence(amplitude, block.amplitudes, count, [this](float a) { return a - step; });
@@ -315,35 +319,35 @@ void Pendrix3D::calcPositions(int first, int count)
 
 void Pendrix3D::calcColors(int first, int count)
 {
-    float *const positions = block.positions;
+    float *const places = block.places;
     switch (colorMode) {
     case 0:
         for (int j = 0; j < count; ++j)
-            positions[j] = positionAlongCurve(first + j, nPoints);
+            places[j] = placeAlongCurve(first + j, nPoints);
         break;
     case 1:
         for (int j = 0; j < count; ++j)
-            positions[j] = positionByHeight(block.z[j], total);
+            places[j] = placeByHeight(block.z[j], total);
         break;
     case 2:
         for (int j = 0; j < count; ++j)
-            positions[j] = positionByRadius(block.x[j], block.y[j], block.z[j], radiusScale);
+            places[j] = placeByRadius(block.x[j], block.y[j], block.z[j], radiusScale);
         break;
     case 3:
         for (int j = 0; j < count; ++j)
-            positions[j] = positionByTime(block.times[j], twoPi);
+            places[j] = placeByTime(block.times[j], twoPi);
         break;
     case 4:
         for (int j = 0; j < count; ++j)
-            positions[j] = positionByTime(block.times[j], twoPi * 0.125F);
+            places[j] = placeByTime(block.times[j], twoPi * 0.125F);
         break;
     default:
-        std::fill_n(positions, count, positionOfOtherModes);
+        std::fill_n(places, count, placeOfOtherModes);
     }
     int *const entry = entries.data() + first;
     int highest = 0;
     for (int j = 0; j < count; ++j) {
-        entry[j] = entryAt(positions[j], paletteSize);
+        entry[j] = entryAt(places[j], paletteSize);
         highest = std::max(highest, entry[j]);
     }
     if (highest >= paletteSize) { // divisions cost more than all the rest here

@@ -119,7 +119,7 @@ public:
     int red = 0;
     int green = 0;
     int blue = 0;
-    /// Packed above the colour, where QColor ignores it: every colour is opaque.
+    /// 1 once a point has been computed. It has no effect: every colour is opaque.
     int alpha = 0;
 
     /// The current parameters in row order; see getParams.
@@ -129,9 +129,9 @@ public:
     /// Amplitude of the point just computed.
     float amplitude = 0.0F;
 
-    /// The computed curve.
+    /// The computed curve. A pass fills it anew; pointers and iterators from before it are no longer to be used.
     QVector<CurvePoint> points;
-    /// One colour per point, same index.
+    /// One colour per point, same index; the same holds.
     QVector<QColor> colors;
     /// Number of points of the curve, 16666 with the default `total` and `step`.
     int nPoints = 0;
@@ -139,7 +139,8 @@ public:
     /// Index of the preset that was last chosen by number, 0 to 11 unless a negative one was asked for.
     int setIndex = 0;
 
-    /// `paletteSize` packed colours 0x00RRGGBB. Never released: the engine lives as long as the process.
+    /// `paletteSize` packed colours 0x00RRGGBB. Never released: the engine lives as long as the process. A change shows
+    /// from the next pass on. The size must be 1 at least and no more than the palette has.
     unsigned int *palette = nullptr;
     int paletteSize = 512;
     /// First colour of the palette. Like the next one it tells how the palette was built; nothing reads it.
@@ -171,16 +172,16 @@ private:
     Q_DISABLE_COPY(Pendrix3D)
 
     /// A colour's floating-point components, narrowed to float.
-    struct ColorShares
+    struct ColorComponents
     {
         float red;
         float green;
         float blue;
         float alpha;
     };
-    static ColorShares sharesOf(const QColor &color);
-    /// The share of a colour's component by its byte.
-    float byteShares[256] = {};
+    static ColorComponents componentsOf(const QColor &color);
+    /// The floating-point component that a byte of a colour stands for.
+    float byteComponents[256] = {};
 
     /// Points of a pass that are computed together, step by step; few enough to stay in the processor's first cache.
     static constexpr int blockLength = 256;
@@ -192,24 +193,24 @@ private:
         float x[blockLength];
         float y[blockLength];
         float z[blockLength];
-        float positions[blockLength]; ///< on the palette
+        float places[blockLength]; ///< on the palette
     };
 
     void preparePalette();
     void calcBlock(int first, int count);
-    void calcPositions(int first, int count);
+    void calcPoints(int first, int count);
     void calcColors(int first, int count);
     void setColor(int entry);
-    float palettePosition(int i) const;
+    float palettePlace(int i) const;
 
     // Scratch space of the passes, kept for the next one.
     Block block = {};
     /// The palette as of the last pass, as colours and as what OpenGL is told of them.
     QVector<QColor> paletteColors;
-    QVector<ColorShares> paletteShares;
+    QVector<ColorComponents> paletteComponents;
     /// The palette entry of each point of the last pass.
     QVector<int> entries;
-    /// The colours as the last pass left them: it shares their storage, and `colors` leaves it when it is written to.
+    /// The colours as the last pass left them: shares the storage of `colors`, which leaves it when it is written to.
     QVector<QColor> colorsOfPass;
 };
 

@@ -10,12 +10,11 @@
 ///
 /// - k is the angle in half turns, rounded to a whole number, |k| < 2^21. r = angle - k pi lies between -pi/2 and pi/2,
 ///   but for a rounding, and the sine is sin(r) for an even k and -sin(r) for an odd one.
-/// - sin(r) is its Taylor series up to r^21. The series alternates, so that what is left out is less than the next
-/// term,
-///   r^23 / 23!, which is less than 2^-59 sin(r). The rest of the error are roundings.
+/// - sin(r) is its Taylor series up to r^21. The series alternates: what is left out is less than the next term,
+///   r^23 / 23!, and that is less than 2^-59 sin(r). The rest of the error are roundings.
 static inline double vectorSine(double angle)
 {
-    // pi in three parts: the first two have 31 bits, so that their products with k are exact.
+    // pi in three parts: the first two have 31 bits at most, so that their products with k are exact.
     constexpr double pi1 = 0x1.921fb544p+1;
     constexpr double pi2 = 0x1.0b4611a0p-33;
     constexpr double pi3 = 0x1.898cc51701b84p-63;

@@ -9,7 +9,7 @@ class QColor;
 /// what only computes needs none. GUI thread only.
 ///
 /// - `mode` is the OpenGL primitive that a face is drawn as, as for glBegin: GL_POLYGON fills the faces of a solid,
-///   GL_LINE_LOOP draws their edges.
+///   GL_LINE_LOOP draws their edges (but see icosahedron).
 /// - `colors` is null, and the current colour holds, or one colour per face in face order, set with glColor3f before
 ///   the corners of the face. Its alpha is not used.
 /// - A returned array is the caller's, to be freed with `delete[]`; see cubeCoords for the one exception. A count below
@@ -114,7 +114,7 @@ public:
     ///     r = 5 (1 + sin(11 u / 5)) - 4 sin(17 u / 3)^4 sin(2 cos(3 u) - 28 u)^8
     ///     (r cos(u),  r sin(u),  (r / 20 + 0.2) sin(2 pi r / 7)),  u = 21 pi i / 3000,  i = 1 to 3000
     ///
-    /// in double, sent as floats. The radius runs from -4 to 10 and z stays within -0.7 and 0.7.
+    /// in double, sent as floats. The radius r stays within -4 and 10, z within -0.7 and 0.7.
     void chrysanthemum();
 
     /// Clears the colour buffer to transparent black, enables GL_TEXTURE_2D and GL_DEPTH_TEST and flushes.

@@ -70,9 +70,10 @@ void compare(const std::vector<float> &angles, std::vector<Set> &sets)
     for (Set &set : sets) {
         set.kernel(angles.data(), sines.data(), static_cast<int>(angles.size()));
         for (std::size_t i = 0; i < angles.size(); ++i) {
-            const auto error =
-                static_cast<double>(std::abs((static_cast<long double>(sines[i]) - exact[i]) / exact[i]));
-            if (!(error <= set.worst)) {
+            auto error = static_cast<double>(std::abs((static_cast<long double>(sines[i]) - exact[i]) / exact[i]));
+            if (std::isnan(error))
+                error = std::numeric_limits<double>::infinity();
+            if (error > set.worst) {
                 set.worst = error;
                 set.worstAngle = angles[i];
             }

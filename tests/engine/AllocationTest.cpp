@@ -90,6 +90,7 @@ private slots:
         for (int frame = 0; frame < 1000; ++frame) {
             if (frame % 50 == 0)
                 pdx3.set(rows.at(frame / 50 % rows.size()));
+            pdx3.step = frame % 100 < 10 ? 6e-3F : 6e-5F; // shorter for a while
             pdx3.draw();
             pdx3.next();
         }

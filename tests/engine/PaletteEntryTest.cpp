@@ -1,4 +1,4 @@
-// Places on the palette, bit for bit, against their definitions.
+// Places on the palette, against their definitions.
 
 #include "engine/PaletteEntry.h"
 
@@ -60,21 +60,21 @@ private slots:
         QCOMPARE(bitsOf(wrapped(-2.75F)), bitsOf(-0.75F));
     }
 
-    void positions()
+    void places()
     {
-        QCOMPARE(positionAlongCurve(0, 16666), 0.0F);
-        QCOMPARE(positionAlongCurve(8333, 16666), 0.5F);
-        QCOMPARE(positionByHeight(0.0F, 1.0F), 0.5F);
-        QCOMPARE(positionByHeight(1.0F, 1.0F), 0.0F);
-        QCOMPARE(positionByHeight(-2.0F, 2.0F), 0.0F);
-        QCOMPARE(positionByRadius(3.0F, 0.0F, 4.0F, 2.0F), 3.75F);
-        QCOMPARE(positionByTime(5.0F, 4.0F), 0.25F);
+        QCOMPARE(bitsOf(placeAlongCurve(0, 16666)), bitsOf(0.0F));
+        QCOMPARE(bitsOf(placeAlongCurve(8333, 16666)), bitsOf(0.5F));
+        QCOMPARE(bitsOf(placeByHeight(0.0F, 1.0F)), bitsOf(0.5F));
+        QCOMPARE(bitsOf(placeByHeight(1.0F, 1.0F)), bitsOf(0.0F));
+        QCOMPARE(bitsOf(placeByHeight(-2.0F, 2.0F)), bitsOf(0.0F));
+        QCOMPARE(bitsOf(placeByRadius(3.0F, 0.0F, 4.0F, 2.0F)), bitsOf(3.75F));
+        QCOMPARE(bitsOf(placeByTime(5.0F, 4.0F)), bitsOf(0.25F));
     }
 
     void entries_data()
     {
         constexpr float infinity = std::numeric_limits<float>::infinity();
-        QTest::addColumn<float>("position");
+        QTest::addColumn<float>("place");
         QTest::addColumn<int>("entry");
         QTest::newRow("start") << 0.0F << 0;
         QTest::newRow("minus zero") << -0.0F << 0;
@@ -94,9 +94,9 @@ private slots:
 
     void entries()
     {
-        QFETCH(float, position);
+        QFETCH(float, place);
         QFETCH(int, entry);
-        QCOMPARE(entryAt(position, 512), entry);
+        QCOMPARE(entryAt(place, 512), entry);
     }
 };
 

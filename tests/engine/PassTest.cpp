@@ -103,7 +103,11 @@ class PassTest : public QObject
 private slots:
     void init()
     {
+        pdx3.total = 1.0F;
         pdx3.step = 6e-5F;
+        pdx3.radiusScale = 1.0F;
+        pdx3.twoPi = 6.2831855F;
+        pdx3.paletteSize = 512;
         pdx3.set(0);
     }
 
@@ -132,6 +136,27 @@ private slots:
             pdx3.step = 1.0F / (static_cast<float>(count) + 0.5F);
             pdx3.set(count % 12);
             QCOMPARE(pdx3.nPoints, count);
+            VERIFY_PASS();
+        }
+    }
+
+    void otherSettings_data() { addDampedSineMethods(); }
+
+    void otherSettings()
+    {
+        QFETCH(DampedSineMethod, method);
+        setDampedSineMethod(method);
+        std::mt19937 random(29);
+        std::uniform_real_distribution<float> anything(-3.0F, 3.0F);
+        for (int k = 0; k < 200; ++k) {
+            pdx3.total = k % 2 ? anything(random) : anyFloat(random);
+            pdx3.step = pdx3.total / static_cast<float>(1 + k * 7 % 1500);
+            pdx3.radiusScale = k % 3 ? anything(random) : anyFloat(random);
+            pdx3.twoPi = k % 5 ? pdx3.twoPi : anyFloat(random);
+            pdx3.paletteSize = 1 + k * 31 % 512;
+            pdx3.palette[k] ^= 0x35A5C3U;
+            pdx3.set(anything(random), anything(random), anything(random), anything(random), anything(random),
+                     k % 7 - 1);
             VERIFY_PASS();
         }
     }

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Whether fillSequence gives what single steps give, for every way to cut `count` values in two.
+/// Whether fillSequence gives what single steps give, for several ways to cut `count` values in two.
 template <typename Next>
 bool isRight(float start, int count, Next next)
 {
@@ -20,8 +20,8 @@ bool isRight(float start, int count, Next next)
     for (float &step : stepByStep)
         step = value = next(value);
 
-    std::vector<float> values(stepByStep.size() + 1, 77.0F);
     for (int cut = 0; cut <= count; cut += 1 + count / 13) {
+        std::vector<float> values(stepByStep.size() + 1, 77.0F);
         const float last = fillSequence(start, values.data(), cut, next);
         if (!sameBits(fillSequence(last, values.data() + cut, count - cut, next), value))
             return false;
@@ -29,8 +29,10 @@ bool isRight(float start, int count, Next next)
             if (!sameBits(values[i], stepByStep[i]))
                 return false;
         }
+        if (!sameBits(values.back(), 77.0F)) // nothing is written past the end
+            return false;
     }
-    return sameBits(values.back(), 77.0F); // nothing is written past the end
+    return true;
 }
 
 } // namespace
