@@ -18,6 +18,7 @@ to_build=(
 # shellcheck disable=SC2034
 to_check=(
   "clang:program clang++"
+  "libclang-rt-dev:nothing"
   "clang-format:program clang-format"
   "clang-tidy:program clang-tidy"
   "clazy:program clazy-standalone"

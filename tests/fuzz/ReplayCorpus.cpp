@@ -1,0 +1,32 @@
+// main of a program that gives a fuzzer's entry point every file of the folders that are its arguments.
+
+#include <QDir>
+#include <QFile>
+
+#include <cstddef>
+#include <cstdint>
+#include <iostream>
+
+extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv);
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
+
+int main(int argc, char *argv[])
+{
+    LLVMFuzzerInitialize(&argc, &argv);
+    int count = 0;
+    for (int i = 1; i < argc; ++i) {
+        const QDir folder(QFile::decodeName(argv[i]));
+        const QStringList names = folder.entryList(QDir::Files);
+        for (const QString &name : names) {
+            std::cout << qPrintable(name) << std::endl; // the last one is to blame
+            QFile file(folder.filePath(name));
+            if (!file.open(QIODevice::ReadOnly))
+                return 1;
+            const QByteArray bytes = file.readAll();
+            LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(bytes.constData()),
+                                   static_cast<std::size_t>(bytes.size()));
+            ++count;
+        }
+    }
+    return count > 0 ? 0 : 1;
+}

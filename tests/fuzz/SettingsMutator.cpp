@@ -1,0 +1,140 @@
+// How the fuzzer changes a settings file: half of the time any of its bytes, else those that one of its values stands
+// for. They are escaped again, so that it does not have to learn the escapes first.
+
+#include <QByteArray>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <random>
+
+extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t *data, std::size_t size, std::size_t maxSize);
+
+namespace {
+
+struct Key
+{
+    const char *name;
+    const char *form;
+};
+
+// The last is another program's, of any type.
+constexpr Key keys[] = {{"windowState", "@ByteArray("},
+                        {"geometry", "@ByteArray("},
+                        {"colsWidth", "@Variant("},
+                        {"paramList", "@Variant("},
+                        {"foreign", "@Variant("}};
+
+bool isHexDigit(char character)
+{
+    return (character >= '0' && character <= '9') || (character >= 'a' && character <= 'f') ||
+           (character >= 'A' && character <= 'F');
+}
+
+bool isLetter(char character)
+{
+    return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
+}
+
+/// Bytes as the settings format has them.
+QByteArray escaped(const QByteArray &bytes)
+{
+    QByteArray text;
+    bool afterNumber = false; // which a digit would go on
+    for (const char byte : bytes) {
+        const bool isPlain = isLetter(byte) && !(afterNumber && isHexDigit(byte));
+        if (isPlain)
+            text += byte;
+        else if (byte == '\0')
+            text += "\\0";
+        else
+            text += "\\x" + QByteArray::number(static_cast<uchar>(byte), 16);
+        afterNumber = !isPlain;
+    }
+    return text;
+}
+
+/// The bytes that `text` stands for, as far as the program itself writes it.
+QByteArray unescaped(const QByteArray &text)
+{
+    constexpr char letters[] = "abfnrtv0";
+    constexpr char characters[] = "\a\b\f\n\r\t\v";
+    QByteArray bytes;
+    for (int at = 0; at < text.size();) {
+        const char character = text.at(at++);
+        if (character != '\\' || at == text.size()) {
+            bytes += character;
+            continue;
+        }
+        const char letter = text.at(at++);
+        if (letter == 'x') {
+            int end = at;
+            while (end < text.size() && isHexDigit(text.at(end)))
+                ++end;
+            bytes += static_cast<char>(text.mid(at, end - at).toUInt(nullptr, 16));
+            at = end;
+        } else {
+            const char *found = letter == '\0' ? nullptr : std::strchr(letters, letter);
+            bytes += found ? characters[found - letters] : letter;
+        }
+    }
+    return bytes;
+}
+
+/// The bytes as the fuzzer's own mutator leaves them.
+QByteArray mutated(QByteArray bytes)
+{
+    const int size = bytes.size();
+    const int most = size + std::max(size / 4, 64);
+    bytes.resize(most);
+    bytes.resize(static_cast<int>(LLVMFuzzerMutate(reinterpret_cast<std::uint8_t *>(bytes.data()),
+                                                   static_cast<std::size_t>(size), static_cast<std::size_t>(most))));
+    return bytes;
+}
+
+/// The settings file with another value of `key`.
+QByteArray withMutatedValue(QByteArray file, const Key &key, unsigned choice)
+{
+    const QByteArray start = QByteArray("\n") + key.name + '=';
+    int at = file.indexOf(start);
+    if (at < 0) {
+        const QByteArray section("[General]");
+        if (!file.contains(section))
+            file.prepend(section + '\n');
+        at = file.indexOf(section) + section.size();
+        file.insert(at, start + key.form + ')');
+    }
+    const int valueAt = at + start.size();
+    const int lineEnd = file.indexOf('\n', valueAt);
+    const int length = (lineEnd < 0 ? file.size() : lineEnd) - valueAt;
+    QByteArray value = file.mid(valueAt, length);
+    if (value.startsWith('"'))
+        value = value.mid(1, value.size() - 2);
+    value = value.mid(value.indexOf('(') + 1);
+    if (value.endsWith(')'))
+        value.chop(1);
+
+    QByteArray bytes = mutated(unescaped(value));
+    // The type of another program's value, by its number.
+    if (std::strcmp(key.name, "foreign") == 0 && choice % 2 == 0 && bytes.size() >= 4)
+        bytes.replace(0, 4, QByteArray("\0\0\0", 3) + static_cast<char>(choice / 2 % 160));
+    return file.replace(valueAt, length, key.form + escaped(bytes) + ')');
+}
+
+} // namespace
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t *data, std::size_t size, std::size_t maxSize, unsigned seed)
+{
+    std::minstd_rand random(seed);
+    if (random() % 2 == 0) {
+        const Key &key = keys[random() % std::size(keys)];
+        const QByteArray file(reinterpret_cast<const char *>(data), static_cast<int>(size));
+        const QByteArray result = withMutatedValue(file, key, static_cast<unsigned>(random()));
+        if (static_cast<std::size_t>(result.size()) <= maxSize) {
+            std::copy(result.cbegin(), result.cend(), data);
+            return static_cast<std::size_t>(result.size());
+        }
+    }
+    return LLVMFuzzerMutate(data, size, maxSize);
+}
