@@ -91,7 +91,7 @@ QByteArray firstBytes(const QByteArray &text, int at, int count)
     QByteArray bytes;
     while (at < text.size() && bytes.size() < count) {
         int character = static_cast<uchar>(text.at(at));
-        if (character == '"' || character == '\n' || character == '\r')
+        if (character == '"' || character == '\n' || character == '\r' || character > 0x7F)
             break;
         if (character == '\\')
             character = takeEscape(text, at);
@@ -104,8 +104,26 @@ QByteArray firstBytes(const QByteArray &text, int at, int count)
     return bytes;
 }
 
-/// Whether restoring the value that starts at `at` of `text` is harmless.
-bool isHarmlessValue(const QByteArray &text, int at)
+/// How a value in binary form starts, and whether a date and time in this form may have a zone.
+struct Form
+{
+    const char *start;
+    bool hasZones;
+};
+constexpr std::array<Form, 2> forms = {{{"@Variant(", false}, {"@DateTime(", true}}};
+
+/// Whether the date and time that follows in `stream` is there and has no zone. A zone is a name, and the toolkit ends
+/// the program when it saves one that it does not know.
+bool hasNoZone(QDataStream &stream)
+{
+    stream.skipRawData(1 + 8 + 4); // whether there is a value, the date, the time
+    qint8 kind = 0;
+    stream >> kind;
+    return stream.status() == QDataStream::Ok && kind >= Qt::LocalTime && kind <= Qt::OffsetFromUTC;
+}
+
+/// Whether restoring the value of this form whose bytes start at `at` of `text`, and saving it again, is harmless.
+bool isHarmlessValue(const QByteArray &text, int at, const Form &form)
 {
     const QByteArray bytes = firstBytes(text, at, 64); // enough for the type and its name
     QDataStream stream(bytes);
@@ -125,7 +143,6 @@ bool isHarmlessValue(const QByteArray &text, int at)
     case QMetaType::QByteArray:
     case QMetaType::QDate:
     case QMetaType::QTime:
-    case QMetaType::QDateTime:
     case QMetaType::QUrl:
     case QMetaType::QLocale:
     case QMetaType::QRect:
@@ -138,6 +155,8 @@ bool isHarmlessValue(const QByteArray &text, int at)
     case QMetaType::QPointF:
     case QMetaType::QColor:
         return true;
+    case QMetaType::QDateTime:
+        return !form.hasZones || hasNoZone(stream);
     case 127: // a type that goes by its name
         break;
     default:
@@ -159,7 +178,8 @@ bool isHarmlessValue(const QByteArray &text, int at)
 bool isHarmless(const QByteArray &text)
 {
     const QByteArray skeleton = skeletonOf(text);
-    for (const QByteArray &start : {QByteArray("@Variant("), QByteArray("@DateTime(")}) {
+    for (const Form &form : forms) {
+        const QByteArray start(form.start);
         int values = 0;
         for (int at = skeleton.indexOf(start); at >= 0; at = skeleton.indexOf(start, at + 1)) {
             if (at == 0 || skeleton.at(at - 1) != '@') // two of them are a text that begins with one
@@ -169,7 +189,7 @@ bool isHarmless(const QByteArray &text)
         for (int at = text.indexOf(start); at >= 0; at = text.indexOf(start, at + 1)) {
             if (at > 0 && text.at(at - 1) == '@')
                 continue;
-            if (!isHarmlessValue(text, at + start.size()))
+            if (!isHarmlessValue(text, at + start.size(), form))
                 return false;
             --values;
         }

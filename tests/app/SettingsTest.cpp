@@ -622,6 +622,18 @@ private slots:
         QTest::newRow("a type behind numbers without digits") << QByteArray("@Variant(\\x\\x\\x\\x" + list + ")");
         QTest::newRow("a mark of the encoding") << QByteArray("@Var\"\"\xEF\xBB\xBFiant(" + list + ")");
         QTest::newRow("a date and time") << QByteArray("@DateTime(" + list + ")");
+        // These would end it when it saves.
+        const QByteArray date = bigEndian(16U) + QByteArray(13, '\0');
+        const auto zone = [](const char *name, const QByteArray &bytes) {
+            QTest::newRow(name) << QByteArray("@DateTime(" + escaped(bytes) + ")");
+        };
+        zone("a date and time of a zone that is missing", date + '\3');
+        zone("a date and time of a zone that nobody knows", date + '\3' + bigEndian(2U) + QByteArray("\0x", 2));
+        zone("a date and time of another kind", date + '\x7f');
+        zone("a date and time that is cut off", date);
+        QTest::newRow("a zone behind a quotation mark") << QByteArray("\"@DateTime(" + escaped(date) + "\"\\x3)");
+        QTest::newRow("a zone behind a mark of the encoding")
+            << QByteArray("@DateTime(\xEF\xBB\xBF" + escaped(date) + "\\x3)");
     }
 
     void valuesThatWouldEndTheProgram()
@@ -644,6 +656,7 @@ private slots:
     {
         const QByteArray lines[] = {
             "color=@Variant(" + escaped(bigEndian(67U) + QByteArray("\1\0\0\0\0\0\0\0\0\0\0", 11)) + ")\n",
+            "date=@DateTime(" + escaped(bigEndian(16U) + QByteArray(13, '\0') + '\1') + ")\n",
             "double=@Variant(" + escaped(bigEndian(6U) + QByteArray(8, '\0')) + ")\n",
             "list=a, b, c\n",
             "text=me@Variant\n",
@@ -654,7 +667,8 @@ private slots:
         for (const QByteArray &line : lines)
             content += line;
         rowsFrom(content);
-        for (const char *key : {"\nat=@@Variant(abc)", "\ncolor=", "\ndouble=", "\nfloat=", "\nlist=", "\ntext="})
+        for (const char *key :
+             {"\nat=@@Variant(abc)", "\ncolor=", "\ndate=", "\ndouble=", "\nfloat=", "\nlist=", "\ntext="})
             QVERIFY2(file().contains(key), key);
         QVERIFY(!QFile::exists(path() + ".damaged"));
     }
