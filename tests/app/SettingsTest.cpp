@@ -4,6 +4,7 @@
 
 #include "engine/Pendrix3D.h"
 #include "tests/support/ApplicationTest.h"
+#include "tests/support/FloatBits.h"
 #include "ui_MainWindow.h"
 
 #include <QProcess>
@@ -12,7 +13,6 @@
 
 #include <cmath>
 #include <csignal>
-#include <cstring>
 #include <limits>
 #include <memory>
 #include <random>
@@ -87,9 +87,7 @@ QByteArray bigEndian(quint32 value)
 
 QByteArray bigEndian(float value)
 {
-    quint32 bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bigEndian(bits);
+    return bigEndian(bitsOf(value));
 }
 
 /// A value of the user's own type `name` as the store has it: the number of user types, the name and the content.
@@ -339,10 +337,8 @@ private slots:
         std::mt19937 random(99);
         Rows rows(64, QVector<float>(6));
         for (QVector<float> &row : rows) {
-            for (float &value : row) {
-                const auto bits = static_cast<quint32>(random());
-                std::memcpy(&value, &bits, sizeof value);
-            }
+            for (float &value : row)
+                value = anyFloat(random);
         }
         rows[0] = {std::numeric_limits<float>::quiet_NaN(),
                    std::numeric_limits<float>::infinity(),
@@ -759,9 +755,7 @@ private slots:
             quint32 bits = 0;
             for (int i = 0; i < 4; ++i)
                 bits = bits << 8U | static_cast<uchar>(bytes.at(start + i));
-            float seed = 0.0F;
-            std::memcpy(&seed, &bits, sizeof seed);
-            if (bytes == userValue(rowsType, contentOf(markedRows(static_cast<int>(seed)))) &&
+            if (bytes == userValue(rowsType, contentOf(markedRows(static_cast<int>(floatOf(bits))))) &&
                 !storedValue(store, "windowState").second.isEmpty() && store.endsWith('\n'))
                 ++whole;
         }

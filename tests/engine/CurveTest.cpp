@@ -2,12 +2,13 @@
 
 #include "engine/Pendrix3D.h"
 
+#include "tests/support/FloatBits.h"
+
 #include <QtTest>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <random>
 #include <vector>
@@ -116,16 +117,6 @@ std::vector<Sample> trace(const Machine &machine)
         samples[i] = sample;
     }
     return samples;
-}
-
-bool sameFloat(float a, float b)
-{
-    quint32 bitsOfA = 0;
-    quint32 bitsOfB = 0;
-    std::memcpy(&bitsOfA, &a, sizeof a);
-    std::memcpy(&bitsOfB, &b, sizeof b);
-    // IEEE 754 leaves open which NaN an operation on NaNs gives.
-    return bitsOfA == bitsOfB || (std::isnan(a) && std::isnan(b));
 }
 
 /// Empty if the engine's curve is the one of `machine`, else the first difference.
@@ -298,10 +289,8 @@ private slots:
         std::mt19937 random(1147);
         for (int k = 0; k < 500; ++k) {
             QVector<float> row(6);
-            for (float &value : row) {
-                const auto bits = static_cast<quint32>(random());
-                std::memcpy(&value, &bits, sizeof value);
-            }
+            for (float &value : row)
+                value = anyFloat(random);
             if (k % 2)
                 row[5] = static_cast<float>(k % 5);
             pdx3.set(row);

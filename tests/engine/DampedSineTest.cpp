@@ -4,12 +4,12 @@
 #include "engine/VectorSine.h"
 
 #include "tests/support/DampedSineMethods.h"
+#include "tests/support/FloatBits.h"
 
 #include <QtTest>
 
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <random>
 #include <vector>
@@ -19,25 +19,6 @@ namespace {
 constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 constexpr float rangeEnd = 4194304.0F; // the kernels compute up to it themselves
-
-quint32 bitsOf(float value)
-{
-    quint32 bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
-
-float floatOf(quint32 bits)
-{
-    float value = 0.0F;
-    std::memcpy(&value, &bits, sizeof value);
-    return value;
-}
-
-bool sameFloat(float a, float b)
-{
-    return bitsOf(a) == bitsOf(b) || (std::isnan(a) && std::isnan(b));
-}
 
 float expected(float angle, float amplitude)
 {
@@ -171,8 +152,8 @@ private slots:
         std::vector<float> angles(1000000);
         std::vector<float> amplitudes(angles.size());
         for (std::size_t i = 0; i < angles.size(); ++i) {
-            angles[i] = floatOf(static_cast<quint32>(random()));
-            amplitudes[i] = floatOf(static_cast<quint32>(random()));
+            angles[i] = anyFloat(random);
+            amplitudes[i] = anyFloat(random);
         }
         QCOMPARE(firstWrong(angles, amplitudes), -1);
     }

@@ -2,28 +2,15 @@
 
 #include "engine/PaletteEntry.h"
 
+#include "tests/support/FloatBits.h"
+
 #include <QtTest>
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <random>
 
 namespace {
-
-quint32 bitsOf(float value)
-{
-    quint32 bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
-
-float floatOf(quint32 bits)
-{
-    float value = 0.0F;
-    std::memcpy(&value, &bits, sizeof value);
-    return value;
-}
 
 /// The same float; a zero of either sign is as good as the other.
 bool sameNumber(float a, float b)

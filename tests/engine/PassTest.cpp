@@ -4,12 +4,12 @@
 #include "engine/Pendrix3D.h"
 
 #include "tests/support/DampedSineMethods.h"
+#include "tests/support/FloatBits.h"
 #include "tests/support/Sanitizer.h"
 
 #include <QtTest>
 
 #include <array>
-#include <cstring>
 #include <random>
 
 namespace {
@@ -25,19 +25,6 @@ constexpr int manyTimes = 500;
 int timesFor(DampedSineMethod method)
 {
     return isAvailable(static_cast<DampedSineMethod>(static_cast<int>(method) + 1)) ? manyTimes / 20 : manyTimes;
-}
-
-quint32 bitsOf(float value)
-{
-    quint32 bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
-
-/// The same bits; which NaN an operation on NaNs gives is open.
-bool sameFloat(float a, float b)
-{
-    return bitsOf(a) == bitsOf(b) || (a != a && b != b);
 }
 
 /// What a pass leaves in the engine beside the lists.
@@ -78,14 +65,6 @@ QByteArray difference()
             return "colour of point " + QByteArray::number(i);
     }
     return sameRest(after, rest()) ? QByteArray() : QByteArray("fields after the pass");
-}
-
-float anyFloat(std::mt19937 &random)
-{
-    const auto bits = static_cast<quint32>(random());
-    float value = 0.0F;
-    std::memcpy(&value, &bits, sizeof value);
-    return value;
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "engine/Pendrix3D.h"
 
 #include "color/ColorScale.h"
+#include "tests/support/FloatBits.h"
 #include "tests/support/OpenGLStandIn.h"
 
 #include <QtTest>
@@ -15,18 +16,11 @@
 
 namespace {
 
-quint32 bitsOf(float value)
-{
-    quint32 bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
-
 QVector<quint32> bitsOf(const QVector<float> &row)
 {
     QVector<quint32> bits;
     for (const float value : row)
-        bits.append(bitsOf(value));
+        bits.append(::bitsOf(value));
     return bits;
 }
 
@@ -50,7 +44,7 @@ QVector<Row> expectedPresets()
 
 QVector<quint32> currentBits()
 {
-    return {bitsOf(pdx3.freq1), bitsOf(pdx3.freq2), bitsOf(pdx3.freq3), bitsOf(pdx3.phase1), bitsOf(pdx3.phase2)};
+    return bitsOf({pdx3.freq1, pdx3.freq2, pdx3.freq3, pdx3.phase1, pdx3.phase2});
 }
 
 // Read before main, within a moment of the engine's construction.

@@ -1,10 +1,11 @@
 #include "tests/support/OpenGLStandIn.h"
 
+#include "tests/support/FloatBits.h"
+
 #include <QtTest>
 #include <qopengl.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <initializer_list>
 
@@ -24,21 +25,12 @@ void record(const char *name, std::initializer_list<double> arguments)
         recorded().append({QByteArray::fromRawData(name, static_cast<int>(std::strlen(name))), arguments});
 }
 
-bool sameBits(double a, double b)
-{
-    quint64 bitsOfA = 0;
-    quint64 bitsOfB = 0;
-    std::memcpy(&bitsOfA, &a, sizeof a);
-    std::memcpy(&bitsOfB, &b, sizeof b);
-    return bitsOfA == bitsOfB || (std::isnan(a) && std::isnan(b));
-}
-
 } // namespace
 
 bool operator==(const OpenGLCall &a, const OpenGLCall &b)
 {
     return a.name == b.name && a.arguments.size() == b.arguments.size() &&
-           std::equal(a.arguments.begin(), a.arguments.end(), b.arguments.begin(), sameBits);
+           std::equal(a.arguments.begin(), a.arguments.end(), b.arguments.begin(), sameFloat<double>);
 }
 
 char *toString(const OpenGLCall &call)

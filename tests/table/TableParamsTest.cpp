@@ -3,6 +3,7 @@
 #include "engine/Pendrix3D.h"
 #include "table/Model.h"
 #include "tests/support/ApplicationTest.h"
+#include "tests/support/FloatBits.h"
 
 #include <QHeaderView>
 #include <QLineEdit>
@@ -295,9 +296,7 @@ private slots:
                 doubleClick(9, column);
                 enter(text);
                 const float stored = pdx3.paramList.at(9).at(column);
-                QVERIFY2(std::isnan(value) ? std::isnan(stored)
-                                           : stored == value && std::signbit(stored) == std::signbit(value),
-                         text);
+                QVERIFY2(sameFloat(value, stored), text);
                 click(8, column);
                 click(9, column);
                 QCOMPARE(pdx3.points.size(), 16666);
