@@ -12,6 +12,7 @@
 namespace {
 
 bool recording = true;
+OpenGLStandIn::Watcher watching = nullptr;
 
 QVector<OpenGLCall> &recorded()
 {
@@ -21,7 +22,9 @@ QVector<OpenGLCall> &recorded()
 
 void record(const char *name, std::initializer_list<double> arguments)
 {
-    if (recording)
+    if (watching)
+        watching(name, arguments.begin(), arguments.size());
+    else if (recording)
         recorded().append({QByteArray::fromRawData(name, static_cast<int>(std::strlen(name))), arguments});
 }
 
@@ -54,6 +57,11 @@ void OpenGLStandIn::clear()
 void OpenGLStandIn::setRecording(bool on)
 {
     recording = on;
+}
+
+void OpenGLStandIn::setWatcher(Watcher watcher)
+{
+    watching = watcher;
 }
 
 extern "C" {

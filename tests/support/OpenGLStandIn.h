@@ -29,4 +29,11 @@ void clear();
 /// Whether calls are recorded, at first true; else they do nothing at all.
 void setRecording(bool on);
 
+/// What is told of a call: its name and its arguments, which are gone afterwards.
+using Watcher = void (*)(const char *name, const double *arguments, std::size_t count);
+
+/// From now on `watcher` is told of each call as it comes, and none is recorded: for more calls than one wants to keep.
+/// Null ends that.
+void setWatcher(Watcher watcher);
+
 } // namespace OpenGLStandIn
