@@ -30,6 +30,12 @@ to_measure=(
   "libbenchmark-dev:modules benchmark"
 )
 
+# shellcheck disable=SC2034
+to_build_for_arm=(
+  "g++-aarch64-linux-gnu:program aarch64-linux-gnu-g++"
+  "qemu-user:program qemu-aarch64"
+)
+
 # install_missing REQUIREMENT ...: makes them present, or stops the script with a word on what is missing.
 install_missing() {
   local requirement missing=()

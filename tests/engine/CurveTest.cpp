@@ -2,7 +2,7 @@
 
 #include "engine/Pendrix3D.h"
 
-#include "tests/support/FloatBits.h"
+#include "tests/support/RandomRows.h"
 #include "tests/support/ReferenceCurve.h"
 
 #include <QtTest>
@@ -28,9 +28,7 @@ class CurveTest : public QObject
 private slots:
     void cleanup()
     {
-        pdx3.total = 1.0F;
-        pdx3.step = 6e-5F;
-        pdx3.radiusScale = 1.0F;
+        setUsualSettings();
         pdx3.set(0);
     }
 
@@ -154,12 +152,7 @@ private slots:
     {
         std::mt19937 random(1147);
         for (int k = 0; k < 500; ++k) {
-            QVector<float> row(6);
-            for (float &value : row)
-                value = anyFloat(random);
-            if (k % 2)
-                row[5] = static_cast<float>(k % 5);
-            pdx3.set(row);
+            pdx3.set(randomRow(random, k));
             QCOMPARE(pdx3.points.size(), 16666);
             VERIFY_CURVE();
         }

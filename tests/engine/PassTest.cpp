@@ -5,6 +5,7 @@
 
 #include "tests/support/DampedSineMethods.h"
 #include "tests/support/FloatBits.h"
+#include "tests/support/RandomRows.h"
 #include "tests/support/Sanitizer.h"
 
 #include <QtTest>
@@ -82,9 +83,7 @@ class PassTest : public QObject
 private slots:
     void init()
     {
-        pdx3.total = 1.0F;
-        pdx3.step = 6e-5F;
-        pdx3.radiusScale = 1.0F;
+        setUsualSettings();
         pdx3.twoPi = 6.2831855F;
         pdx3.paletteSize = 512;
         pdx3.set(0);
@@ -164,12 +163,7 @@ private slots:
         for (int k = 0; k < timesFor(method); ++k) {
             // Most of these frequencies are beyond all bounds and cost the C library dear: shorter curves do.
             pdx3.step = k % 50 ? 6e-4F : 6e-5F;
-            QVector<float> row(6);
-            for (float &value : row)
-                value = anyFloat(random);
-            if (k % 2)
-                row[5] = static_cast<float>(k % 5);
-            pdx3.set(row);
+            pdx3.set(randomRow(random, k));
             VERIFY_PASS();
         }
     }

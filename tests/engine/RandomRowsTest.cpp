@@ -12,6 +12,7 @@
 
 #include "tests/support/FloatBits.h"
 #include "tests/support/OpenGLStandIn.h"
+#include "tests/support/RandomRows.h"
 #include "tests/support/ReferenceCurve.h"
 
 #include <QtTest>
@@ -68,24 +69,6 @@ void watch(const char *name, const double *arguments, std::size_t count)
     if (drawing.firstWrong < 0 && !isExpected(drawing.calls, name, arguments, count))
         drawing.firstWrong = drawing.calls;
     ++drawing.calls;
-}
-
-/// No colouring is asked for by more than a few of all floats but that of mode 0: every second row names a mode.
-QVector<float> randomRow(std::mt19937 &random, int number)
-{
-    QVector<float> row(Pendrix3D::rowLength);
-    for (float &value : row)
-        value = anyFloat(random);
-    if (number % 2)
-        row[5] = static_cast<float>(number / 2 % 7 - 1);
-    return row;
-}
-
-void setUp(std::mt19937 &random, int number)
-{
-    pdx3.radiusScale = number % 3 ? 1.0F : anyFloat(random);
-    pdx3.total = number % 25 && number % 4 == 0 ? anyFloat(random) : 1.0F;
-    pdx3.step = number % 25 ? pdx3.total / (static_cast<float>(random() % 601) + 0.5F) : 6e-5F;
 }
 
 /// The mode that a row's last value asks for.
@@ -160,14 +143,14 @@ private slots:
         for (int number = 0; number < count; ++number) {
             const QVector<float> row = randomRow(random, number);
             const bool comparesBits = number % 5 == 0;
-            setUp(random, number);
+            setRandomSettings(random, number);
 
             pdx3.set(row);
             for (int column = 0; column < 5; ++column)
                 QVERIFY2(bitsOf(pdx3.getParams()[column]) == bitsOf(row.at(column)), describe(number, row));
             QCOMPARE(pdx3.colorMode, modeOf(row.at(5)));
             if (number % 25 == 0)
-                QCOMPARE(pdx3.nPoints, 16666);
+                QCOMPARE(pdx3.nPoints, usualPointCount);
             QByteArray found = fault(comparesBits);
             QVERIFY2(found.isEmpty(), found + describe(number, row));
 

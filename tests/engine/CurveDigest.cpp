@@ -1,0 +1,171 @@
+// Prints a digest of every number that the engine and the blending of colours compute from each of several lists of
+// inputs. Two builds that print the same have computed the same, bit for bit; which NaN a NaN is does not count, for
+// IEEE 754 leaves it open. tests/every-build.sh compares what different compilers make.
+
+#include "color/ColorScale.h"
+#include "engine/Pendrix3D.h"
+
+#include "tests/support/FloatBits.h"
+#include "tests/support/RandomRows.h"
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+
+namespace {
+
+/// The digest of numbers in the order in which they are added, and how many they are. Each step of it can be undone: no
+/// single number that differs goes unseen, and of several hardly one set in 2^64.
+class Digest
+{
+public:
+    explicit Digest(const char *name) : listName(name) {}
+
+    void add(quint32 bits)
+    {
+        state = (state ^ bits) * 0x9E3779B97F4A7C15U; // an odd factor
+        state ^= state >> 32U;
+        ++count;
+    }
+
+    /// Adds the bits of `value`, those of one and the same NaN for all of them.
+    void add(float value) { add(std::isnan(value) ? 0x7FC00000U : bitsOf(value)); }
+
+    void add(double value)
+    {
+        const quint64 bits = std::isnan(value) ? 0x7FF8000000000000U : bitsOf(value);
+        add(static_cast<quint32>(bits));
+        add(static_cast<quint32>(bits >> 32U));
+    }
+
+    /// Adds the curve on screen and all that a pass leaves beside it.
+    void addCurve()
+    {
+        for (int i = 0; i < Pendrix3D::rowLength; ++i)
+            add(pdx3.getParams()[i]);
+        add(static_cast<quint32>(pdx3.nPoints));
+        for (const CurvePoint &point : qAsConst(pdx3.points)) {
+            add(point.x);
+            add(point.y);
+            add(point.z);
+        }
+        for (const QColor &color : qAsConst(pdx3.colors))
+            add(color.rgba());
+        for (const float value : {pdx3.t, pdx3.amplitude, pdx3.x, pdx3.y, pdx3.z})
+            add(value);
+        for (const int value : {pdx3.red, pdx3.green, pdx3.blue, pdx3.alpha})
+            add(static_cast<quint32>(value));
+    }
+
+    /// Prints the digest, the number of numbers and the name of the list. Returns whether that succeeded.
+    bool print() const
+    {
+        return std::printf("%016llx %10lld %s\n", static_cast<unsigned long long>(state), count, listName) > 0;
+    }
+
+private:
+    const char *listName;
+    quint64 state = 0;
+    long long count = 0;
+};
+
+bool presetsInEveryMode()
+{
+    Digest digest("the presets, in every mode");
+    for (int preset = 0; preset < 12; ++preset) {
+        const QVector<float> row = pdx3.presets.at(preset);
+        for (int mode = -1; mode <= 5; ++mode) {
+            pdx3.set(row[0], row[1], row[2], row[3], row[4], mode);
+            digest.addCurve();
+        }
+        pdx3.set(preset);
+        digest.addCurve();
+    }
+    return digest.print();
+}
+
+bool animation(int preset, const char *name)
+{
+    Digest digest(name);
+    pdx3.set(preset);
+    for (int frame = 0; frame < 2000; ++frame) {
+        pdx3.next();
+        digest.addCurve();
+    }
+    return digest.print();
+}
+
+bool otherSettings()
+{
+    Digest digest("other amplitudes, steps, scales and palettes");
+    for (const float total : {1.0F, 0.5F, 3.7F, 1e-3F, 1e-40F, 250.0F, -1.0F}) {
+        for (const float parts : {16666.0F, 1000.0F, 37.5F, 2.9999998F, 3.0F, 1.0F, 0.1F}) {
+            for (int mode = 0; mode <= 5; ++mode) {
+                pdx3.total = total;
+                pdx3.step = total / parts;
+                pdx3.radiusScale = std::abs(total) * 0.3F;
+                pdx3.paletteSize = 512 - 83 * mode;
+                pdx3.set(1.0F, 2.0F, 3.1F, 0.46F, 0.3F, mode);
+                digest.addCurve();
+            }
+        }
+    }
+    pdx3.paletteSize = 512;
+    setUsualSettings();
+    return digest.print();
+}
+
+bool randomRows()
+{
+    Digest digest("5000 rows of random bits");
+    std::mt19937 random(5000); // the standard says what it gives, to every compiler
+    for (int number = 0; number < 5000; ++number) {
+        setRandomSettings(random, number);
+        pdx3.set(randomRow(random, number));
+        digest.addCurve();
+        pdx3.next();
+        digest.addCurve();
+    }
+    setUsualSettings();
+    return digest.print();
+}
+
+bool paletteAndBlends()
+{
+    Digest digest("the palette and 200000 blends of each kind");
+    for (int i = 0; i < pdx3.paletteSize; ++i)
+        digest.add(pdx3.palette[i]);
+    std::mt19937 random(200000);
+    const auto anyColor = [&random] { return static_cast<quint32>(random()); };
+    // Fractions of -1/2 to 3/2, and floats of any bits.
+    const auto anyFraction = [&random](int k) {
+        return k % 4 ? static_cast<float>(double(random()) * 0x1p-31 - 0.5) : anyFloat(random);
+    };
+    for (int k = 0; k < 200000; ++k) {
+        const std::array<quint32, 3> c = {anyColor(), anyColor(), anyColor()};
+        const std::array<float, 3> w = {anyFraction(k), anyFraction(k), anyFraction(k)};
+        digest.add(ColorScaleRGB(c[0], c[1], w[0]));
+        digest.add(ColorScaleHSL(c[0], c[1], w[0]));
+        digest.add(ColorScaleRGB3(c[0], c[1], c[2], w[0], w[1], w[2]));
+        digest.add(ColorScaleHSL3(c[0], c[1], c[2], w[0], w[1], w[2]));
+        digest.add(HLStoRGB(double(w[0]), double(w[1]), double(w[2])));
+        std::array<double, 3> hls = {};
+        RGBtoHLS(c[0], hls[0], hls[1], hls[2]);
+        for (const double value : hls)
+            digest.add(value);
+    }
+    return digest.print();
+}
+
+} // namespace
+
+int main()
+{
+    const bool isPrinted = presetsInEveryMode() && animation(0, "2000 steps of the first preset, by height") &&
+                           animation(4, "2000 steps of the fifth, by distance") &&
+                           animation(6, "2000 steps of the seventh, by time") && otherSettings() && randomRows() &&
+                           paletteAndBlends();
+    return isPrinted ? EXIT_SUCCESS : EXIT_FAILURE;
+}

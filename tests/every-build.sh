@@ -1,0 +1,139 @@
+#!/usr/bin/env bash
+# Builds with g++ and with clang++, each without optimisation, with -O2 and with -O3 for this very processor, and with
+# g++ for 64-bit Arm, and fails unless all of them compute the same curves and colours, bit for bit. Then runs all tests
+# in each build; on Arm, which is emulated, those of the numbers.
+#   tests/every-build.sh [--digests-only] [BUILD ...]
+# leaves out the tests, or takes some of the builds only: see `builds` below.
+set -euo pipefail
+builds=(g++-O0 g++-O2 g++-O3 clang++-O0 clang++-O2 clang++-O3 arm64)
+with_tests=yes
+if [ "${1-}" = --digests-only ]; then
+  with_tests=
+  shift
+fi
+for build in "$@"; do
+  if [[ " ${builds[*]} " != *" $build "* ]]; then
+    echo "usage: tests/every-build.sh [--digests-only] [BUILD ...], where a BUILD is one of ${builds[*]}" >&2
+    exit 2
+  fi
+done
+[ $# -eq 0 ] || builds=("$@")
+
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. tools/packages.sh
+install_missing "${to_build[@]}" "${to_check[@]}" "${to_build_for_arm[@]}"
+
+folder=$PWD/build/every
+sysroot=$folder/arm64-sysroot
+
+step() { printf '\n==> %s\n' "$*"; }
+
+# Debian's packages for Arm, unpacked to a folder of their own. The system's package lists, packages and architectures
+# stay as they are; from where packages come is read from the system's own sources.
+prepare_sysroot() {
+  local state=$folder/arm64-packages package link options
+  [ ! -e "$sysroot/complete" ] || return 0
+  rm -rf "$sysroot"
+  mkdir -p "$sysroot" "$state/lists/partial" "$state/cache/archives/partial"
+  : > "$state/status"
+  options=(
+    -o APT::Architecture=arm64 -o APT::Architectures=arm64 -o APT::Sandbox::User=
+    -o "Dir::State=$state" -o "Dir::State::status=$state/status" -o "Dir::Cache=$state/cache"
+  )
+  apt-get "${options[@]}" -qq update
+  apt-get "${options[@]}" -qq install --yes --download-only --no-install-recommends \
+    qtbase5-dev libx11-dev libstdc++-12-dev
+  for package in "$state"/cache/archives/*.deb; do
+    dpkg-deb --extract "$package" "$sysroot"
+  done
+  # Links to absolute paths would leave the folder.
+  find "$sysroot" -lname '/*' | while IFS= read -r link; do
+    ln --symbolic --force --no-dereference "$sysroot$(readlink "$link")" "$link"
+  done
+  # The toolkit's compilers have to run here.
+  rm -r "$sysroot/usr/lib/qt5/bin"
+  ln --symbolic "$(qmake -query QT_HOST_BINS)" "$sysroot/usr/lib/qt5/bin"
+  touch "$sysroot/complete"
+}
+
+# configure BUILD: its name is that of the compiler and of the optimisation, or arm64.
+configure() {
+  local options flags
+  case "$1" in
+    arm64)
+      flags=-O2
+      options=(
+        -DCMAKE_CXX_COMPILER=aarch64-linux-gnu-g++
+        -DCMAKE_SYSTEM_NAME=Linux -DCMAKE_SYSTEM_PROCESSOR=aarch64 -DCMAKE_LIBRARY_ARCHITECTURE=aarch64-linux-gnu
+        "-DCMAKE_SYSROOT=$sysroot" "-DCMAKE_CROSSCOMPILING_EMULATOR=qemu-aarch64;-L;$sysroot"
+        -DCMAKE_FIND_ROOT_PATH_MODE_PROGRAM=NEVER -DCMAKE_FIND_ROOT_PATH_MODE_LIBRARY=ONLY
+        -DCMAKE_FIND_ROOT_PATH_MODE_INCLUDE=ONLY -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=ONLY
+      )
+      ;;
+    *)
+      flags=-${1#*-}
+      options=("-DCMAKE_CXX_COMPILER=${1%%-*}")
+      ;;
+  esac
+  [ "${1#*-}" != O3 ] || flags="-O3 -march=native"
+  cmake -S . -B "$folder/$1" -G Ninja -DCMAKE_BUILD_TYPE= "-DCMAKE_CXX_FLAGS=$flags" \
+    -DPENDRIX_BUILD_BENCHMARKS=OFF "${options[@]}" > "$folder/$1.log"
+}
+
+# digest BUILD: what it computes, to BUILD.digests.
+digest() {
+  local program=("$folder/$1/tests/engine/CurveDigest")
+  [ "$1" != arm64 ] || program=(qemu-aarch64 -L "$sysroot" "${program[@]}")
+  cmake --build "$folder/$1" --target CurveDigest > "$folder/$1.log" || {
+    cat "$folder/$1.log"
+    return 1
+  }
+  "${program[@]}" > "$folder/$1.digests"
+}
+
+# run_tests BUILD: fails if one of them does.
+run_tests() {
+  local selection=()
+  [ "$1" != arm64 ] || selection=(--tests-regex '^(color|engine)/')
+  if cmake --build "$folder/$1" > "$folder/$1.tests" &&
+    ctest --test-dir "$folder/$1" --output-on-failure --no-tests=error "${selection[@]}" > "$folder/$1.tests"; then
+    tail --lines=4 "$folder/$1.tests"
+  else
+    cat "$folder/$1.tests"
+    return 1
+  fi
+}
+
+mkdir -p "$folder"
+if [ ! -e "$sysroot/complete" ]; then
+  step "Packages for Arm"
+  prepare_sysroot
+fi
+
+failed=()
+for build in "${builds[@]}"; do
+  step "Digests: $build"
+  configure "$build"
+  digest "$build"
+  if [ "$build" = "${builds[0]}" ]; then
+    cat "$folder/$build.digests" # what the others are compared with
+  elif diff "$folder/${builds[0]}.digests" "$folder/$build.digests"; then
+    echo "The same as ${builds[0]}"
+  else
+    failed+=("digests of $build")
+  fi
+done
+
+if [ -n "$with_tests" ]; then
+  for build in "${builds[@]}"; do
+    step "Tests: $build"
+    run_tests "$build" || failed+=("tests of $build")
+  done
+fi
+
+step "All builds"
+if [ ${#failed[@]} -gt 0 ]; then
+  printf 'Failed: %s\n' "${failed[@]}" >&2
+  exit 1
+fi
+echo "${#builds[@]} builds compute the same."
