@@ -1,8 +1,9 @@
-// Takes a picture of the program: screenshot PROGRAM FILE
+// Takes a picture of the program: screenshot PROGRAM FILE [USE]
 // Without arguments, tells by its exit status whether an X display can be reached.
 //
-// Starts PROGRAM, waits until its window shows the curve, saves the window's picture as FILE (PNG), closes the window
-// the way a window manager's close button does, and ends with PROGRAM's exit status, or 1 if anything went wrong.
+// Starts PROGRAM, waits until its window shows the curve, lets the command USE do something with it, saves the window's
+// picture as FILE (PNG), closes the window the way a window manager's close button does, and ends with PROGRAM's exit
+// status, or 1 if anything went wrong.
 // For a display without a window manager, which would put the window into one of its own.
 
 #include <QElapsedTimer>
@@ -21,8 +22,8 @@
 
 namespace {
 
-constexpr int patience = 60000; // ms; a software renderer on a loaded machine starts slowly
-constexpr int pause = 50;       // ms between two looks
+constexpr int patience = 300000; // ms; a software renderer on a loaded machine or in a debugging tool starts slowly
+constexpr int pause = 50;        // ms between two looks
 
 /// The top-level window with title `title`, or 0.
 Window findWindow(Display *display, const char *title)
@@ -104,8 +105,8 @@ int main(int argc, char *argv[])
 
     QGuiApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() != 3)
-        return failed(QStringLiteral("usage: screenshot PROGRAM FILE"));
+    if (arguments.size() != 3 && arguments.size() != 4)
+        return failed(QStringLiteral("usage: screenshot PROGRAM FILE [USE]"));
     const QString &file = arguments.at(2);
 
     QProcess program;
@@ -126,6 +127,14 @@ int main(int argc, char *argv[])
         window = findWindow(display, "Pendrix 3D");
         if (window)
             picture = QGuiApplication::primaryScreen()->grabWindow(window).toImage();
+    }
+    if (arguments.size() == 4) {
+        QProcess use;
+        use.setProcessChannelMode(QProcess::ForwardedChannels);
+        use.start(arguments.at(3), QStringList());
+        if (!use.waitForFinished(patience) || use.exitStatus() != QProcess::NormalExit || use.exitCode() != 0)
+            return failed(QStringLiteral("%1 has failed").arg(arguments.at(3)));
+        picture = QGuiApplication::primaryScreen()->grabWindow(window).toImage();
     }
     const bool saved = picture.save(file, "PNG");
 

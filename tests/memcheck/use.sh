@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# Uses the program as somebody would who has it before them, for memcheck.sh: rows, an edit, turns, another size, copy,
+# paste, reset and the about box. Fails if the program does not do what it is told.
+set -euo pipefail
+
+# until_true COMMAND ...: waits for it; under memcheck everything takes its time.
+until_true() {
+  for _ in {1..240}; do
+    ! "$@" || return 0
+    sleep 0.25
+  done
+  echo "It did not come true: $*" >&2
+  return 1
+}
+
+# The clipboard's first row begins with the number; asking for a copy until it does.
+copies_row() {
+  xdotool key ctrl+c
+  sleep 0.5
+  grep --quiet --line-regexp "$1" <(timeout 20 xclip -selection clipboard -out | cut --fields=1 | head --lines=1)
+}
+
+other_size() { [[ $(xdotool getwindowgeometry "$window") == *900x700 ]]; }
+has_box() {
+  box=$(xdotool getwindowfocus)
+  [ "$box" != "$window" ]
+}
+is_closed() { ! xdotool search --onlyvisible --class pendrix3d | grep --quiet --line-regexp "$1"; }
+
+# click X Y [COUNT]: with the left button, there in the window.
+click() { xdotool mousemove --window "$window" "$1" "$2" click --repeat "${3-1}" --delay 50 1; }
+
+# drag BUTTON: turns the curve.
+drag() {
+  xdotool mousemove --window "$window" 550 300 mousedown "$1"
+  for x in 560 575 590 600; do
+    xdotool mousemove --window "$window" "$x" $((x - 260))
+  done
+  xdotool mouseup "$1"
+}
+
+window=$(xdotool search --sync --onlyvisible --name '^Pendrix 3D$' | head --lines=1)
+xdotool windowfocus --sync "$window"
+
+# The first cell; other rows and back; the cell edited.
+click 80 95
+for key in Down Down Right Page_Down Page_Up Home; do
+  xdotool key "$key"
+done
+click 80 95
+xdotool key ctrl+Home
+xdotool type 7.25
+xdotool key Return
+until_true copies_row 7.25
+
+drag 1
+drag 3
+xdotool windowsize "$window" 900 700
+until_true other_size
+
+# Another program's rows.
+printf '%s\t2\t3\t0.25\t0.5\t4\n' {100..163} | xclip -selection clipboard -in
+xdotool key ctrl+v
+until_true copies_row 100
+
+# The File menu's boxes: OK to the first, Escape to the second.
+click 20 10
+sleep 1
+xdotool key Down Return
+until_true has_box
+xdotool key Left Return
+until_true is_closed "$box"
+xdotool windowfocus --sync "$window"
+until_true copies_row 1
+
+click 20 10
+sleep 1
+xdotool key Down Down Return
+until_true has_box
+xdotool key Escape
+until_true is_closed "$box"
+xdotool windowfocus --sync "$window"
