@@ -10,6 +10,7 @@ to_build=(
   "qtbase5-dev:modules Qt5Widgets Qt5Test"
   "libgl-dev:modules gl"
   "libx11-dev:modules x11"
+  "libxres-dev:modules xres"
   "libgl1-mesa-dri:nothing"
   "fonts-dejavu-core:nothing"
   "xvfb:program Xvfb"
