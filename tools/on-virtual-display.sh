@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # Runs a command on a virtual X display of its own with software OpenGL: on-virtual-display.sh COMMAND [ARGUMENT ...]
 # The command has a settings folder of its own, too, so that the user's is left alone. Ends with its exit status.
+# VIRTUAL_SCREEN is the size of the display in pixels, 1280x1024 unless given.
 set -euo pipefail
 
 scratch=$(mktemp --directory)
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3> "$scratch/display" 2> "$scratch/messages" &
+Xvfb -displayfd 3 -screen 0 "${VIRTUAL_SCREEN:-1280x1024}x24" -nolisten tcp 3> "$scratch/display" 2> "$scratch/messages" &
 server=$!
 trap 'kill "$server" 2> /dev/null || :; wait "$server" 2> /dev/null || :; rm -rf "$scratch"' EXIT
 

@@ -15,6 +15,8 @@ to_build=(
   "fonts-dejavu-core:nothing"
   "xvfb:program Xvfb"
   "xclip:program xclip"
+  "xdotool:program xdotool"
+  "openbox:program openbox"
 )
 # shellcheck disable=SC2034
 to_check=(

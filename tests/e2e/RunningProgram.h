@@ -1,0 +1,97 @@
+#pragma once
+
+#include "tests/e2e/Desktop.h"
+
+#include <QElapsedTimer>
+#include <QImage>
+#include <QMap>
+#include <QProcess>
+#include <QtTest>
+
+#include <memory>
+
+/// The installed program, running, and what a user can do with it. All positions are pixels of the screen, relative to
+/// the window without its frame.
+class RunningProgram
+{
+public:
+    using Environment = QMap<QString, QString>;
+
+    /// A program that will keep its settings in the folder `settings`.
+    explicit RunningProgram(QString settings);
+    ~RunningProgram();
+    Q_DISABLE_COPY(RunningProgram)
+
+    /// Starts it, and waits until its window has the keyboard and shows a curve.
+    bool start(const Environment &environment = {}, const QStringList &arguments = {});
+
+    /// Whether it runs.
+    bool isRunning() const;
+    /// With what it ended by itself: the exit code; -1 if it crashed or had anything to say.
+    int exitCode();
+    /// Its main window.
+    WId window() const;
+    /// A box of its that is open, once it has the keyboard; 0 if none opens.
+    WId box() const;
+    /// Waits until there is no window but the main one, and that one has the keyboard.
+    bool isAlone() const;
+
+    QRect geometry() const;
+    QImage picture() const;
+    /// Waits until the view has changed `count` times.
+    bool showsFrames(int count) const;
+
+    /// Clicks at `point` with the keys of `modifiers` held: "shift", "ctrl".
+    void click(QPoint point, const QStringList &modifiers = {});
+    void doubleClick(QPoint point);
+    /// Moves from `from` to `to` with the buttons held: 1 left, 2 middle, 3 right.
+    void drag(QPoint from, QPoint to, const QVector<int> &buttons);
+    /// Presses keys, one after the other, by their names: "ctrl+v", "Return".
+    static void press(const QStringList &keys);
+    static void type(const QString &text);
+
+    /// Presses Ctrl+C, again if nothing comes of it, and what the clipboard holds then.
+    static QByteArray copy();
+    /// Puts `text` on the clipboard, presses Ctrl+V, and waits until the program takes it.
+    static void paste(const QByteArray &text);
+
+    /// The cells of the table, found by going through it from its first one, which is the current one afterwards.
+    bool findCells(double scale = 1.0);
+    /// The middle of a cell, counted from 0.
+    QPoint cell(int row, int column) const;
+    /// The middle of a row's label, or of a column's title.
+    QPoint rowLabel(int row) const;
+    QPoint columnTitle(int column) const;
+    QRect firstCell() const { return first; }
+    QPoint cellStep() const { return step; }
+
+    /// Asks the window manager to close the window, waits for the end and tells its exitCode; -1 if there is no end.
+    int close();
+
+private:
+    /// Lets so much time go by that a press at `point` is no double click together with the one before.
+    void startPress(QPoint point);
+
+    QElapsedTimer sincePress;
+    QPoint lastPress;
+    QProcess process;
+    QString settingsFolder;
+    QRect first;
+    QPoint step;
+};
+
+Q_DECLARE_METATYPE(RunningProgram::Environment)
+
+/// The box around what is selected in the table, by the colour of the selection.
+QRect selectionIn(const QImage &picture);
+
+/// main of a test program that has the display to itself.
+#define PENDRIX_END_TO_END_MAIN(TestClass)                                                                             \
+    int main(int argc, char *argv[])                                                                                   \
+    {                                                                                                                  \
+        QGuiApplication application(argc, argv);                                                                       \
+        if (!Desktop::startWindowManager())                                                                            \
+            return 1;                                                                                                  \
+        TestClass test;                                                                                                \
+        return QTest::qExec(&test, argc, argv);                                                                        \
+    }
