@@ -10,7 +10,7 @@ private slots:
     void scales_data()
     {
         QTest::addColumn<QString>("factor");
-        for (const char *factor : {"1.5", "2"})
+        for (const char *factor : {"1", "1.5", "2", "3"})
             QTest::newRow(factor) << QString(factor);
     }
 

@@ -69,6 +69,41 @@ private slots:
         }
     }
 
+    void theWholeScreen_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<bool>("withFrame");
+        QTest::newRow("maximised") << "alt+F10" << true;
+        QTest::newRow("full screen") << "alt+F11" << false;
+    }
+
+    void theWholeScreen()
+    {
+        QFETCH(QString, key);
+        QFETCH(bool, withFrame);
+        RunningProgram::paste(textOf(distinctRows()));
+        const QRect before = program->geometry();
+        const QRect screen = QGuiApplication::primaryScreen()->geometry();
+        const auto isWhole = [&] {
+            const QRect now = program->geometry();
+            return withFrame ? now.width() >= screen.width() - 4 && now.height() > screen.height() - 40 &&
+                                   now.height() < screen.height()
+                             : now == screen;
+        };
+        RunningProgram::press({key});
+        VERIFY_SOON(isWhole());
+        restart();
+        VERIFY_SOON(isWhole());
+        QVERIFY(program->findCells());
+        program->click(program->cell(4, 1));
+        COMPARE_SOON(shownBy(*program), 4); // which says that the picture fits the view
+
+        RunningProgram::press({key});
+        COMPARE_SOON(program->geometry(), before);
+        program->click(program->cell(5, 1));
+        COMPARE_SOON(shownBy(*program), 5);
+    }
+
     void theSmallestWindow()
     {
         Desktop::touch({"windowsize", QString::number(program->window()), "1", "1"});
