@@ -26,6 +26,8 @@ to_check=(
   "clang-tidy:program clang-tidy"
   "clazy:program clazy-standalone"
   "shellcheck:program shellcheck"
+  "weston:program weston"
+  "qtwayland5:nothing"
 )
 
 # shellcheck disable=SC2034
