@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# Draws the program's icon anew, hicolor/: the scalable one, and the PNG files of the usual sizes.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+id=example.quillmoss.Pendrix3D
+
+command -v rsvg-convert > /dev/null || {
+  echo "render-icon.sh: rsvg-convert is missing; install the Debian package librsvg2-bin" >&2
+  exit 1
+}
+cmake --preset release
+cmake --build --preset release --target pendrix_icon
+
+scratch=$(mktemp --directory)
+trap 'rm -rf "$scratch"' EXIT
+draw() { build/release/tools/pendrix_icon "$1"; }
+
+mkdir --parents packaging/hicolor/scalable/apps
+draw 512 > "packaging/hicolor/scalable/apps/$id.svg"
+for size in 16 22 24 32 48 64 128 256 512; do
+  mkdir --parents "packaging/hicolor/${size}x$size/apps"
+  draw "$size" > "$scratch/icon.svg"
+  rsvg-convert --format=png --width="$size" --height="$size" \
+    --output="packaging/hicolor/${size}x$size/apps/$id.png" "$scratch/icon.svg"
+done

@@ -1,0 +1,196 @@
+// Draws the program's icon as an SVG file on its standard output: icon SIZE
+//
+// SIZE is the side of the icon in pixels that the drawing is made for: the smaller it is, the fewer turns of the curve
+// are drawn, and the thicker. What is made for 512 can be scaled to anything larger.
+//
+// The curve is the engine's: the second preset, coloured by its height, seen from above the edge of the paper, where
+// it looks like a butterfly. Its frequencies are whole numbers, so that every turn closes but for the damping; leaving
+// out turns leaves closed lines.
+
+#include "engine/Pendrix3D.h"
+
+#include <QColor>
+#include <QString>
+#include <QTextStream>
+#include <QVector>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+namespace {
+
+constexpr double pi = 3.14159265358979323846;
+
+/// Points of the curve in a turn of the slowest pendulum, whose frequency is 1: time grows by 0.02 from point to point.
+constexpr double pointsPerTurn = 2.0 * pi / 0.02;
+
+/// The drawing's side in its own units.
+constexpr double side = 512.0;
+
+/// How the icon is drawn for sizes from `size` on.
+struct Style
+{
+    int size;
+    int every;        ///< draws one turn of so many
+    double lineWidth; ///< in units of the drawing
+    double margin;    ///< from the drawing's edge to the plate
+    double extent;    ///< width or height of the curve, the larger of them
+};
+
+constexpr Style styles[] = {
+    {128, 4, 4.2, 16.0, 396.0}, {64, 5, 6.5, 8.0, 412.0},   {48, 6, 8.5, 8.0, 416.0},
+    {32, 9, 13.0, 8.0, 424.0},  {22, 26, 26.0, 0.0, 420.0}, {0, 60, 42.0, 0.0, 416.0},
+};
+
+/// A point of the drawing: x to the right, y down, z to the viewer.
+struct Place
+{
+    double x;
+    double y;
+    double z;
+};
+
+Place operator+(const Place &a, const Place &b)
+{
+    return {a.x + b.x, a.y + b.y, a.z + b.z};
+}
+
+Place operator*(const Place &a, double factor)
+{
+    return {a.x * factor, a.y * factor, a.z * factor};
+}
+
+/// `point` as it is seen from 5 units away, the figure being tilted.
+Place seen(const CurvePoint &point)
+{
+    constexpr double tilt = -25.0 * pi / 180.0;
+    constexpr double distance = 5.0;
+    const auto x = static_cast<double>(point.x);
+    const auto y = static_cast<double>(point.y);
+    const auto z = static_cast<double>(point.z);
+    const double up = y * std::cos(tilt) - z * std::sin(tilt);
+    const double near = y * std::sin(tilt) + z * std::cos(tilt);
+    const double perspective = distance / (distance - near);
+    return {x * perspective, -up * perspective, near};
+}
+
+/// The curve's points in the drawing, centred and `extent` wide or high. Keeps z.
+QVector<Place> drawing(const QVector<CurvePoint> &points, double extent)
+{
+    QVector<Place> places;
+    places.reserve(points.size());
+    std::transform(points.cbegin(), points.cend(), std::back_inserter(places), seen);
+    const auto byX =
+        std::minmax_element(places.cbegin(), places.cend(), [](const Place &a, const Place &b) { return a.x < b.x; });
+    const auto byY =
+        std::minmax_element(places.cbegin(), places.cend(), [](const Place &a, const Place &b) { return a.y < b.y; });
+    const double left = byX.first->x;
+    const double right = byX.second->x;
+    const double top = byY.first->y;
+    const double bottom = byY.second->y;
+    const double scale = extent / std::max(right - left, bottom - top);
+    for (Place &place : places) {
+        place.x = side / 2.0 + (place.x - (left + right) / 2.0) * scale;
+        place.y = side / 2.0 + (place.y - (top + bottom) / 2.0) * scale;
+    }
+    return places;
+}
+
+/// A channel of the curve's colour on the dark plate: pure blue is too dark to be seen there, and what is far is
+/// dimmer.
+int channel(int value, double nearness)
+{
+    const double light = 70.0 + value * 0.725;
+    return static_cast<int>(light * (0.6 + 0.4 * nearness));
+}
+
+QString coordinates(const Place &place)
+{
+    return QStringLiteral("%1 %2").arg(place.x, 0, 'f', 1).arg(place.y, 0, 'f', 1);
+}
+
+/// A bit of the line in one colour.
+struct Piece
+{
+    double z;
+    QString path;
+};
+
+/// The line from the point of index `first` to that of index `last`, as a cubic, with the colour of the one in the
+/// middle.
+Piece piece(const QVector<Place> &places, int first, int last, double lineWidth)
+{
+    const auto slope = [&places](int i) {
+        const int before = std::max(i - 1, 0);
+        const int after = std::min(i + 1, places.size() - 1);
+        return (places.at(after) + places.at(before) * -1.0) * (1.0 / (after - before));
+    };
+    const double third = (last - first) / 3.0;
+    const QString data = QStringLiteral("M%1C%2 %3 %4")
+                             .arg(coordinates(places.at(first)), coordinates(places.at(first) + slope(first) * third),
+                                  coordinates(places.at(last) + slope(last) * -third), coordinates(places.at(last)));
+
+    const int middle = (first + last) / 2;
+    const double z = places.at(middle).z;
+    const double nearness = std::clamp((z + 1.0) / 2.0, 0.0, 1.0);
+    const QColor &color = pdx3.colors.at(middle);
+    const QColor shown(channel(color.red(), nearness), channel(color.green(), nearness),
+                       channel(color.blue(), nearness));
+    return {z, QStringLiteral("<path stroke=\"%1\" stroke-width=\"%2\" d=\"%3\"/>\n")
+                   .arg(shown.name())
+                   .arg(lineWidth * (0.8 + 0.4 * nearness), 0, 'f', 1)
+                   .arg(data)};
+}
+
+QString icon(const Style &style)
+{
+    constexpr int piecesPerTurn = 52;
+    QVector<float> row = pdx3.presets.at(1);
+    row[5] = 1.0F; // colours by height
+    pdx3.set(row);
+    const QVector<Place> places = drawing(pdx3.points, style.extent);
+    const auto pointAt = [](double turns) { return static_cast<int>(std::lround(turns * pointsPerTurn)); };
+
+    QVector<Piece> pieces;
+    for (int turn = 0; pointAt(turn + 1) < places.size(); turn += style.every) {
+        for (int i = 0; i < piecesPerTurn; ++i) {
+            const double begin = turn + static_cast<double>(i) / piecesPerTurn;
+            const double end = turn + static_cast<double>(i + 1) / piecesPerTurn;
+            pieces.append(piece(places, pointAt(begin), pointAt(end), style.lineWidth));
+        }
+    }
+    std::stable_sort(pieces.begin(), pieces.end(), [](const Piece &a, const Piece &b) { return a.z < b.z; });
+
+    const double plate = side - 2.0 * style.margin;
+    QString text =
+        QStringLiteral("<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 %1 %1\" width=\"%1\" height=\"%1\">\n"
+                       "<title>Pendrix 3D</title>\n"
+                       "<radialGradient id=\"night\" cx=\".5\" cy=\".42\" r=\".75\">"
+                       "<stop offset=\"0\" stop-color=\"#262e52\"/><stop offset=\"1\" stop-color=\"#0b0e1c\"/>"
+                       "</radialGradient>\n"
+                       "<rect x=\"%2\" y=\"%2\" width=\"%3\" height=\"%3\" rx=\"%4\" fill=\"url(#night)\"/>\n"
+                       "<g fill=\"none\" stroke-linecap=\"round\">\n")
+            .arg(side)
+            .arg(style.margin)
+            .arg(plate)
+            .arg(plate * 0.2);
+    for (const Piece &each : qAsConst(pieces))
+        text += each.path;
+    return text + QStringLiteral("</g>\n</svg>\n");
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const int size = argc == 2 ? QString::fromLocal8Bit(argv[1]).toInt() : 0;
+    if (size < 1) {
+        QTextStream(stderr) << "usage: icon SIZE\n";
+        return 2;
+    }
+    const Style &style =
+        *std::find_if(std::begin(styles), std::end(styles), [size](const Style &s) { return s.size <= size; });
+    QTextStream(stdout) << icon(style);
+    return 0;
+}
