@@ -20,6 +20,9 @@ to_build=(
 )
 # shellcheck disable=SC2034
 to_check=(
+  "desktop-file-utils:program desktop-file-validate"
+  "appstream:program appstreamcli"
+  "mandoc:program mandoc"
   "clang:program clang++"
   "libclang-rt-dev:nothing"
   "clang-format:program clang-format"
