@@ -1,3 +1,6 @@
+include(CheckCXXCompilerFlag)
+check_cxx_compiler_flag(-ffile-prefix-map=a=b PENDRIX_MAPS_FILE_NAMES)
+
 # What every target of the project has in common.
 #
 # The results of the curve and of the colours are fixed to the last bit of every float. They hold for IEEE
@@ -13,6 +16,12 @@ function(pendrix_target target)
     CXX_EXTENSIONS OFF
     POSITION_INDEPENDENT_CODE ON)
 
+  if(PENDRIX_MAPS_FILE_NAMES)
+    # The same program comes out of every folder. A debugger wants to find the sources, though.
+    target_compile_options(${target} PRIVATE
+      $<$<NOT:$<CONFIG:Debug>>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>
+      $<$<NOT:$<CONFIG:Debug>>:-ffile-prefix-map=${PROJECT_BINARY_DIR}=./build>)
+  endif()
   if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
     target_compile_options(${target} PRIVATE
       -fno-fast-math -ffp-contract=off

@@ -1,9 +1,10 @@
 # Run by CPack on the tree that is about to become a Debian package: brings its documents into the form that Debian
 # wants. Other packages and the source are left as they are.
+cmake_minimum_required(VERSION 3.19)
+
 if(NOT CPACK_GENERATOR STREQUAL "DEB")
   return()
 endif()
-cmake_minimum_required(VERSION 3.19)
 
 set(tree ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr/share)
 set(documents ${tree}/doc/${CPACK_PACKAGE_NAME})

@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# Builds the commit of this checkout twice, in folders of different names and with files of different ages, and tells
+# whether the same program and the same Debian package come out of both.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+scratch=$(mktemp --directory)
+trap 'rm -rf "$scratch"' EXIT
+SOURCE_DATE_EPOCH=$(git log --max-count=1 --format=%ct)
+
+# build FOLDER AGE: a clone there, its files last changed then, and the package made of it.
+build() {
+  local folder=$scratch/$1
+  git clone --quiet --no-local . "$folder"
+  find "$folder" -exec touch --no-dereference --date="$2" {} +
+  cmake -G Ninja -S "$folder" -B "$folder/build/release" \
+    -DCMAKE_BUILD_TYPE=Release -DPENDRIX_BUILD_TESTS=OFF -DPENDRIX_BUILD_BENCHMARKS=OFF > /dev/null
+  cmake --build "$folder/build/release" --target pendrix3d > /dev/null
+  # The program must come out the same by itself; only the package is dated by its commit.
+  (cd "$folder/build/release" && SOURCE_DATE_EPOCH=$SOURCE_DATE_EPOCH cpack -G DEB > cpack.log)
+}
+build one yesterday
+build elsewhere/and/two "a year ago"
+
+for file in pendrix3d "pendrix3d_*.deb"; do
+  # shellcheck disable=SC2086 # the version is left to the pattern
+  cmp "$scratch"/one/build/release/$file "$scratch"/elsewhere/and/two/build/release/$file
+done
+echo "Both builds give the same program and the same package."
