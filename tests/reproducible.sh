@@ -6,7 +6,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 scratch=$(mktemp --directory)
 trap 'rm -rf "$scratch"' EXIT
-SOURCE_DATE_EPOCH=$(git log --max-count=1 --format=%ct)
+committed=$(git log --max-count=1 --format=%ct)
 
 # build FOLDER AGE: a clone there, its files last changed then, and the package made of it.
 build() {
@@ -17,7 +17,7 @@ build() {
     -DCMAKE_BUILD_TYPE=Release -DPENDRIX_BUILD_TESTS=OFF -DPENDRIX_BUILD_BENCHMARKS=OFF > /dev/null
   cmake --build "$folder/build/release" --target pendrix3d > /dev/null
   # The program must come out the same by itself; only the package is dated by its commit.
-  (cd "$folder/build/release" && SOURCE_DATE_EPOCH=$SOURCE_DATE_EPOCH cpack -G DEB > cpack.log)
+  (cd "$folder/build/release" && SOURCE_DATE_EPOCH=$committed cpack -G DEB > cpack.log 2>&1)
 }
 build one yesterday
 build elsewhere/and/two "a year ago"

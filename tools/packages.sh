@@ -44,6 +44,12 @@ to_build_for_arm=(
   "qemu-user:program qemu-aarch64"
 )
 
+# shellcheck disable=SC2034
+to_package=(
+  "dpkg-dev:program dpkg-shlibdeps"
+  "file:program file"
+)
+
 # install_missing REQUIREMENT ...: makes them present, or stops the script with a word on what is missing.
 install_missing() {
   local requirement missing=()
