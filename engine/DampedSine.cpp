@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 
 // The kernels of DampedSineKernel.cpp; the build tells which there are.
 using Kernel = int(const float *angles, const float *amplitudes, float *displacements, int *doubtful, int count);

@@ -10,7 +10,6 @@
 #include <qopengl.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <ctime>
 #include <iterator>
