@@ -28,6 +28,7 @@ to_check=(
   "clang-format:program clang-format"
   "clang-tidy:program clang-tidy"
   "clazy:program clazy-standalone"
+  "cppcheck:program cppcheck"
   "shellcheck:program shellcheck"
   "weston:program weston"
   "qtwayland5:nothing"
