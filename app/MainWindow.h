@@ -26,7 +26,7 @@ public:
     void loadSettings();
 
     /// Writes the window, the table and the engine's parameter list to the store and closes it. The store changes as a
-    /// whole or not at all, as on a disk without room, and keys of others stay.
+    /// whole or not at all, as on a disk without room, and keys of others stay. Called once, by the destructor.
     void saveSettings();
 
     /// The text of the file at `path`, read as UTF-8 up to the first zero byte; empty if the file cannot be opened.

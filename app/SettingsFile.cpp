@@ -15,6 +15,14 @@
 
 namespace {
 
+/// Whether the toolkit keeps settings in a file of text. On Windows they are in the registry, on macOS in a list of the
+/// system's own; neither is ours to read or to mend.
+#if defined(Q_OS_WIN) || defined(Q_OS_DARWIN)
+constexpr bool storeIsText = false;
+#else
+constexpr bool storeIsText = true;
+#endif
+
 /// What the settings format's escapes stand for: a backslash and one of these letters.
 struct Escape
 {
@@ -224,6 +232,8 @@ QByteArray harmlessPartOf(const QByteArray &file)
 
 bool mendSettingsFile(const QString &path)
 {
+    if (!storeIsText)
+        return true;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return true;
@@ -234,6 +244,8 @@ bool mendSettingsFile(const QString &path)
 
 bool hasRoomBeside(const QString &path, qint64 bytes)
 {
+    if (!storeIsText)
+        return true;
     QDir().mkpath(QFileInfo(path).path());
     QTemporaryFile file(path + QStringLiteral(".XXXXXX"));
     // Not zeros, which some file systems keep without room for them.

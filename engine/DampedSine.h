@@ -16,7 +16,7 @@ inline float dampedSine(float angle, float amplitude)
 /// amplitude for several angles at a time, with an error that is known to be less than `p` / 2^49. So the true product,
 /// and the one that dampedSine computes from the C library's sine, lie between p (1 - 2^-49) and p (1 + 2^-49).
 /// Rounding never changes the order of two numbers: where both ends of that interval round to the same float,
-/// everything between them does, too. Where they do not (about one product in twenty millions), and for angles that are
+/// everything between them does, too. Where they do not (about one product in twenty million), and for angles that are
 /// 0, beyond 2^22 or NaN, dampedSine is asked. Of the C library's sine this takes that it is at most 2^-52 of it off.
 int dampedSines(const float *angles, const float *amplitudes, float *displacements, int count);
 

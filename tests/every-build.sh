@@ -21,7 +21,7 @@ done
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . tools/packages.sh
-install_missing "${to_build[@]}" "${to_check[@]}" "${to_build_for_arm[@]}"
+install_missing "${to_build[@]}" "${to_check[@]}"
 
 folder=$PWD/build/every
 sysroot=$folder/arm64-sysroot
@@ -32,7 +32,6 @@ step() { printf '\n==> %s\n' "$*"; }
 # stay as they are; from where packages come is read from the system's own sources.
 prepare_sysroot() {
   local state=$folder/arm64-packages package link options
-  [ ! -e "$sysroot/complete" ] || return 0
   rm -rf "$sysroot"
   mkdir -p "$sysroot" "$state/lists/partial" "$state/cache/archives/partial"
   : > "$state/status"
@@ -105,9 +104,12 @@ run_tests() {
 }
 
 mkdir -p "$folder"
-if [ ! -e "$sysroot/complete" ]; then
-  step "Packages for Arm"
-  prepare_sysroot
+if [[ " ${builds[*]} " == *" arm64 "* ]]; then
+  install_missing "${to_build_for_arm[@]}"
+  if [ ! -e "$sysroot/complete" ]; then
+    step "Packages for Arm"
+    prepare_sysroot
+  fi
 fi
 
 failed=()

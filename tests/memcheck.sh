@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . tools/packages.sh
-install_missing "${to_build[@]}" "valgrind:program valgrind" "xdotool:program xdotool"
+install_missing "${to_build[@]}" "${to_check_memory[@]}"
 cmake --preset debug
 cmake --build --preset debug --target pendrix3d pendrix_screenshot
 tools/on-virtual-display.sh build/debug/tools/pendrix_screenshot \

@@ -3,6 +3,8 @@
 # whether the same program and the same Debian package come out of both.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. tools/packages.sh
+install_missing "${to_build[@]}" "${to_package[@]}"
 
 scratch=$(mktemp --directory)
 trap 'rm -rf "$scratch"' EXIT
@@ -17,7 +19,10 @@ build() {
     -DCMAKE_BUILD_TYPE=Release -DPENDRIX_BUILD_TESTS=OFF -DPENDRIX_BUILD_BENCHMARKS=OFF > /dev/null
   cmake --build "$folder/build/release" --target pendrix3d > /dev/null
   # The program must come out the same by itself; only the package is dated by its commit.
-  (cd "$folder/build/release" && SOURCE_DATE_EPOCH=$committed cpack -G DEB > cpack.log 2>&1)
+  (cd "$folder/build/release" && SOURCE_DATE_EPOCH=$committed cpack -G DEB > cpack.log 2>&1) || {
+    cat "$folder/build/release/cpack.log" >&2
+    return 1
+  }
 }
 build one yesterday
 build elsewhere/and/two "a year ago"

@@ -6,7 +6,6 @@
 
 #include "app/MainWindow.h"
 #include "engine/Pendrix3D.h"
-#include "table/Model.h"
 #include "ui_MainWindow.h"
 #include "view/PendrixWidget.h"
 
@@ -18,6 +17,7 @@
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTextStream>
+#include <QWindow>
 #include <qopengl.h>
 
 namespace {
@@ -64,6 +64,7 @@ QImage sheet(PendrixWidget &view, const QVector<Figure> &figures, int columns)
         painter.drawImage(corner, drawn.scaledToWidth(cell, Qt::SmoothTransformation));
         painter.drawText(QRect(corner + QPoint(0, cell), QSize(cell, caption)), Qt::AlignCenter, figures.at(i).caption);
     }
+    painter.end();
     return picture;
 }
 
@@ -125,7 +126,7 @@ QImage windowPicture()
     showFrames(*window.ui->pdx3, 10); // until sizes and places have settled
     window.ui->tableParams->selectRow(preset);
     showFrames(*window.ui->pdx3, 10);
-    return window.screen()->grabWindow(window.winId()).toImage();
+    return window.windowHandle()->screen()->grabWindow(window.winId()).toImage();
 }
 
 } // namespace

@@ -24,4 +24,6 @@ fi
 DISPLAY=:$(< "$scratch/display")
 export DISPLAY LIBGL_ALWAYS_SOFTWARE=1 QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR=$scratch XDG_CONFIG_HOME=$scratch/settings
 unset WAYLAND_DISPLAY XAUTHORITY
+# The look is the toolkit's own, whatever the desktop.
+unset QT_QPA_PLATFORMTHEME QT_STYLE_OVERRIDE XDG_CURRENT_DESKTOP
 "$@"

@@ -40,6 +40,11 @@ to_measure=(
 )
 
 # shellcheck disable=SC2034
+to_check_memory=(
+  "valgrind:program valgrind"
+)
+
+# shellcheck disable=SC2034
 to_build_for_arm=(
   "g++-aarch64-linux-gnu:program aarch64-linux-gnu-g++"
   "qemu-user:program qemu-aarch64"

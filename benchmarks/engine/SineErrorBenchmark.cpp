@@ -1,4 +1,4 @@
-// The greatest error of the vector sine over every positive float of its range, some 1.25 thousand millions, for each
+// The greatest error of the vector sine over every positive float of its range, some 1.25 billion, for each
 // instruction set that this processor has; and how often the sines of the presets' curves are left to the C library.
 // A negative angle gives the same sine with the other sign.
 //

@@ -124,7 +124,7 @@ private slots:
         QVERIFY(answer(window->ui->actionreset, how));
         QCOMPARE(pdx3.paramList, resets ? presetRows : before);
         QCOMPARE(refreshed.count(), resets ? 1 : 0);
-        QVERIFY(pdx3.freq3 >= 4.0F && pdx3.phase1 == 0.43F); // the curve is still the seventh preset's
+        QVERIFY(pdx3.freq3 >= 4.0F && pdx3.phase1 == 0.43F); // the curve is still the eighth preset's
     }
 
     void resetRepairsAListOfAnyShape()

@@ -140,7 +140,7 @@ private slots:
         RunningProgram second(settings->path());
         QVERIFY(second.start());
         QVERIFY(second.findCells()); // and the keys go there
-        second.paste("2\t2\t2\t2\t2\t2\n");
+        RunningProgram::paste("2\t2\t2\t2\t2\t2\n");
         QCOMPARE(RunningProgram::copy().left(12), QByteArray("2\t2\t2\t2\t2\t2\n"));
         Desktop::touch({"windowactivate", "--sync", QString::number(program->window())});
         QVERIFY(program->findCells());

@@ -120,7 +120,7 @@ bool otherSettings()
 bool randomRows()
 {
     Digest digest("5000 rows of random bits");
-    std::mt19937 random(5000); // the standard says what it gives, to every compiler
+    std::mt19937 random(5000); // the standard fixes its numbers
     for (int number = 0; number < 5000; ++number) {
         setRandomSettings(random, number);
         pdx3.set(randomRow(random, number));

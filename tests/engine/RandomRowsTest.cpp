@@ -80,7 +80,8 @@ int modeOf(float value)
 
 double anyDouble(std::mt19937 &random)
 {
-    return std::ldexp(double(random()), static_cast<int>(random() % 2200) - 1100);
+    const auto fraction = double(random());
+    return std::ldexp(fraction, static_cast<int>(random() % 2200) - 1100);
 }
 
 /// Empty if the engine's curve is sound and drawn as it is, else what is wrong.
@@ -154,12 +155,14 @@ private slots:
             QByteArray found = fault(comparesBits);
             QVERIFY2(found.isEmpty(), found + describe(number, row));
 
-            if (number % 4 == 1)
+            if (number % 4 == 1) {
                 pdx3.next();
-            else if (number % 4 == 2)
-                pdx3.next(anyDouble(random), -anyDouble(random));
-            else
+            } else if (number % 4 == 2) {
+                const double first = anyDouble(random); // the next one comes from the same source
+                pdx3.next(first, -anyDouble(random));
+            } else {
                 continue;
+            }
             found = fault(comparesBits);
             QVERIFY2(found.isEmpty(), "after a step: " + found + describe(number, row));
         }

@@ -20,9 +20,11 @@ using Rows = QVector<QVector<float>>;
 Rows pasted(QString text, Rows rows)
 {
     int next = 0;
-    const QStringList lines = text.replace('\r', '\n').split('\n', Qt::SkipEmptyParts);
-    for (const QString &line : lines) {
-        const QStringList fields = line.split('\t', Qt::SkipEmptyParts);
+    QStringList lines = text.replace('\r', '\n').split('\n');
+    lines.removeAll(QString());
+    for (const QString &line : qAsConst(lines)) {
+        QStringList fields = line.split('\t');
+        fields.removeAll(QString());
         if (fields.size() != Pendrix3D::rowLength)
             continue;
         if (next == rows.size())

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Uses the program as somebody would who has it before them, for memcheck.sh: rows, an edit, turns, another size, copy,
-# paste, reset and the about box. Fails if the program does not do what it is told.
+# paste, reset and the about box. Fails if the rows, the boxes or the size do not
+# become what they are to be.
 set -euo pipefail
 
 # until_true COMMAND ...: waits for it; under memcheck everything takes its time.
@@ -13,19 +14,21 @@ until_true() {
   return 1
 }
 
-# The clipboard's first row begins with the number; asking for a copy until it does.
+# copies_row NUMBER: copies, and tells whether the first row begins with the number.
 copies_row() {
   xdotool key ctrl+c
   sleep 0.5
-  grep --quiet --line-regexp "$1" <(timeout 20 xclip -selection clipboard -out | cut --fields=1 | head --lines=1)
+  grep --quiet --fixed-strings --line-regexp "$1" <(timeout 20 xclip -selection clipboard -out | cut --fields=1 | head --lines=1)
 }
 
 other_size() { [[ $(xdotool getwindowgeometry "$window") == *900x700 ]]; }
+visible_windows() { xdotool search --onlyvisible --class pendrix3d; }
+has_menu() { [ "$(visible_windows | wc --lines)" -gt 1 ]; }
 has_box() {
   box=$(xdotool getwindowfocus)
-  [ "$box" != "$window" ]
+  [ "$box" != "$window" ] && visible_windows | grep --line-regexp "$box" > /dev/null
 }
-is_closed() { ! xdotool search --onlyvisible --class pendrix3d | grep --quiet --line-regexp "$1"; }
+is_closed() { ! visible_windows | grep --line-regexp "$1" > /dev/null; }
 
 # click X Y [COUNT]: with the left button, there in the window.
 click() { xdotool mousemove --window "$window" "$1" "$2" click --repeat "${3-1}" --delay 50 1; }
@@ -65,7 +68,7 @@ until_true copies_row 100
 
 # The File menu's boxes: OK to the first, Escape to the second.
 click 20 10
-sleep 1
+until_true has_menu
 xdotool key Down Return
 until_true has_box
 xdotool key Left Return
@@ -74,7 +77,7 @@ xdotool windowfocus --sync "$window"
 until_true copies_row 1
 
 click 20 10
-sleep 1
+until_true has_menu
 xdotool key Down Down Return
 until_true has_box
 xdotool key Escape

@@ -2,8 +2,9 @@
 //
 // Shows the real window on an X display, lets its frame timer run without a pause and does by turns what a user does:
 // rows by mouse and by keys, edits, drags, copies, pastes of its own and of another program's text, resets, the boxes
-// and menus, other sizes, the dock closed and opened, the window hidden and shown. Always the same, and each deed is
-// checked for its effect. FRAMES is 2000 unless given; a thousand take about ten seconds.
+// and menus, other sizes, the dock closed and opened, the window hidden and shown. The random numbers are the same
+// every time, and what can be asked about a deed's effect is asked. FRAMES is 2000 unless given; a thousand take about
+// ten seconds.
 //
 // After every thousand frames the window is brought to the same state and measured: one line of a table. Fails if at
 // the end there is more than after the first thousand frames, see judge.
@@ -31,6 +32,8 @@
 #include <functional>
 #include <iostream>
 #include <random>
+
+#include <unistd.h>
 
 namespace {
 
@@ -225,7 +228,8 @@ private:
     {
         QWindow *const handle = window.windowHandle();
         const QPoint from = ui.pdx3->mapTo(&window, ui.pdx3->rect().center());
-        const QPoint to = from + QPoint(chance(81) - 40, chance(81) - 40);
+        const int across = chance(81) - 40;
+        const QPoint to = from + QPoint(across, chance(81) - 40);
         const Qt::MouseButton button = chance(2) == 0 ? Qt::LeftButton : Qt::RightButton;
         QTest::mousePress(handle, button, {}, from);
         QTest::mouseMove(handle, (from + to) / 2);
@@ -282,8 +286,7 @@ private:
         const QVector<QVector<float>> copied = pdx3.paramList;
         pdx3.paramList.fill(QVector<float>(Pendrix3D::rowLength, 1.0F));
         press(Qt::Key_V, Qt::ControlModifier);
-        expect(pdx3.paramList.size() == copied.size() && pdx3.paramList.at(0) != QVector<float>(6, 1.0F),
-               "A paste brings the rows back");
+        expect(pdx3.paramList == copied, "A paste brings the rows back");
     }
 
     void pasteOfOthers()
@@ -365,12 +368,16 @@ private:
         activate();
     }
 
-    /// Triggers `action` and, once its box is active, answers with `key`.
+    /// Triggers `action` and, once its box is active, answers with `keys`.
     void answerBox(QAction *action, const QList<Qt::Key> &keys)
     {
         bool answered = false;
+        QElapsedTimer clock;
+        clock.start();
         QTimer look;
         QObject::connect(&look, &QTimer::timeout, &look, [&] {
+            if (clock.elapsed() > patience)
+                giveUp(QStringLiteral("has waited in vain for a box"));
             auto *const box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
             if (!box || !box->isVisible())
                 return;
@@ -422,6 +429,13 @@ private:
 
 int main(int argc, char *argv[])
 {
+    // What its threads' caches hold, which comes and goes, the C library counts as allocated. It looks at this variable
+    // only when a program starts.
+    if (!qEnvironmentVariableIsSet("GLIBC_TUNABLES")) {
+        qputenv("GLIBC_TUNABLES", "glibc.malloc.tcache_count=0");
+        execv("/proc/self/exe", argv);
+        giveUp(QStringLiteral("cannot start anew"));
+    }
     // With threads of its own the software renderer keeps one to several pictures in work, 9 MB each, as they come.
     if (!qEnvironmentVariableIsSet("LP_NUM_THREADS"))
         qputenv("LP_NUM_THREADS", "0");

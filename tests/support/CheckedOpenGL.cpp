@@ -52,7 +52,7 @@ void *entryPointBehindOurs(const char *name)
     return entryPoint;
 }
 
-/// Ends the program if the context has an error, which came up `when` the call of `name`.
+/// Ends the program if the context has an error; `when` and `name` say at which call.
 void ask(const char *when, const char *name)
 {
     static const auto getError = reinterpret_cast<decltype(&glGetError)>(entryPointBehindOurs("glGetError"));

@@ -54,10 +54,12 @@ make_system() {
     bootstrap "$scratch/$1"
     return
   fi
-  if [ ! -d "$base" ]; then
+  if [ ! -e "$base" ]; then
+    rm --recursive --force --one-file-system "$base.part" # of a script that was stopped
     bootstrap "$base.part"
     mv "$base.part" "$base"
   fi
+  [ -e "$base/etc/debian_version" ] || { echo "There is no Debian system in $base." >&2; exit 1; }
   cp --archive "$base" "$scratch/$1"
 }
 

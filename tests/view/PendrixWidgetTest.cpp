@@ -268,7 +268,8 @@ private slots:
 
         // What stands on the screen is the last frame and nothing else.
         QTest::qWait(200);
-        QImage shown = view.screen()->grabWindow(view.winId()).toImage().convertToFormat(QImage::Format_RGB32);
+        QImage shown =
+            view.windowHandle()->screen()->grabWindow(view.winId()).toImage().convertToFormat(QImage::Format_RGB32);
         shown.setDevicePixelRatio(1.0);
         QCOMPARE(shown.size(), view.frame.size());
         QCOMPARE(shown, view.frame);
