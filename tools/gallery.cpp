@@ -71,8 +71,9 @@ QImage sheet(PendrixWidget &view, const QVector<Figure> &figures, int columns)
 /// The numbers of a row as the table's columns have them, without the colour mode.
 QString numbersOf(const QVector<float> &row)
 {
+    const QVector<float> parameters = row.mid(0, Pendrix3D::rowLength - 1);
     QStringList numbers;
-    for (const float number : row.mid(0, Pendrix3D::rowLength - 1))
+    for (const float number : parameters)
         numbers.append(QString::number(static_cast<double>(number), 'g', 6));
     return numbers.join(QStringLiteral("  "));
 }
