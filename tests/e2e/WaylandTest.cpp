@@ -1,4 +1,4 @@
-// A session under Wayland: in a compositor that is itself a window on the display, as large as that.
+// A session under Wayland: in a compositor that is itself a window on the display.
 
 #include "tests/e2e/Rows.h"
 
@@ -14,9 +14,15 @@ class WaylandTest : public QObject
     QProcess compositor;
     QProcess program;
 
+    /// The compositor leaves room on the display for the pointer, which waits there for the session to begin: if it is
+    /// in the window when that opens, the compositor may take it to be in the upper left corner ever after.
+    static QSize compositorSize() { return QGuiApplication::primaryScreen()->size() - QSize(8, 8); }
+
     static QImage picture()
     {
-        return QGuiApplication::primaryScreen()->grabWindow(0).toImage().convertToFormat(QImage::Format_RGB32);
+        const QSize size = compositorSize();
+        const QPixmap screen = QGuiApplication::primaryScreen()->grabWindow(0, 0, 0, size.width(), size.height());
+        return screen.toImage().convertToFormat(QImage::Format_RGB32);
     }
 
     /// Moves the pointer to `from`, given from the upper left corner of the view, and does `words` there.
@@ -51,7 +57,8 @@ private slots:
         QProcessEnvironment surroundings = QProcessEnvironment::systemEnvironment();
         surroundings.insert("XDG_RUNTIME_DIR", runtime.path());
         compositor.setProcessEnvironment(surroundings);
-        const QSize size = QGuiApplication::primaryScreen()->size();
+        const QSize size = compositorSize();
+        Desktop::touch({"mousemove", QString::number(size.width() + 4), QString::number(size.height() + 4)});
         compositor.setStandardErrorFile(QProcess::nullDevice());
         compositor.setStandardOutputFile(QProcess::nullDevice());
         compositor.start("weston", {"--backend=x11-backend.so", "--use-pixman", "--no-config", "--idle-time=0",
