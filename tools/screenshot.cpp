@@ -17,7 +17,6 @@
 #include <algorithm>
 
 // After Qt's headers: X11 defines macros of everyday names.
-#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 
 namespace {

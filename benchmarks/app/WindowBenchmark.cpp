@@ -8,7 +8,6 @@
 #include "engine/Pendrix3D.h"
 
 #include <QApplication>
-#include <QSettings>
 
 #include <benchmark/benchmark.h>
 

@@ -11,7 +11,6 @@
 #include <QScreen>
 #include <QSettings>
 
-#include <cmath>
 #include <csignal>
 #include <limits>
 #include <memory>

@@ -15,7 +15,6 @@ class AnswersTest : public QObject
 
     using Answer = std::function<void(WId)>;
 
-    std::unique_ptr<QTemporaryDir> settings;
     std::unique_ptr<RunningProgram> program;
 
     const QByteArray changed = withTop(presetText(), distinctRows());
@@ -40,8 +39,7 @@ class AnswersTest : public QObject
 private slots:
     void init()
     {
-        settings = std::make_unique<QTemporaryDir>();
-        program = std::make_unique<RunningProgram>(settings->path());
+        program = std::make_unique<RunningProgram>();
         QVERIFY(program->start());
         RunningProgram::paste(textOf(distinctRows()));
         QCOMPARE(RunningProgram::copy(), changed);

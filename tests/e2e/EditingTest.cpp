@@ -6,7 +6,6 @@ class EditingTest : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> settings;
     std::unique_ptr<RunningProgram> program;
     Rows rows;
 
@@ -17,8 +16,7 @@ private slots:
     void init()
     {
         rows = distinctRows();
-        settings = std::make_unique<QTemporaryDir>();
-        program = std::make_unique<RunningProgram>(settings->path());
+        program = std::make_unique<RunningProgram>();
         QVERIFY(program->start());
         RunningProgram::paste(textOf(rows));
         QVERIFY(program->findCells());

@@ -23,8 +23,7 @@ private slots:
     {
         QFETCH(RunningProgram::Environment, environment);
         QFETCH(QStringList, arguments);
-        const QTemporaryDir settings;
-        RunningProgram program(settings.path());
+        RunningProgram program;
         QVERIFY(program.start(environment, arguments));
         QCOMPARE(RunningProgram::copy(), presetText());
         Rows rows = distinctRows();

@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <utility>
 
+RunningProgram::RunningProgram() : settingsFolder(ownFolder.path()) {}
+
 RunningProgram::RunningProgram(QString settings) : settingsFolder(std::move(settings)) {}
 
 RunningProgram::~RunningProgram()

@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QMap>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QtTest>
 
 #include <memory>
@@ -17,7 +18,9 @@ class RunningProgram
 public:
     using Environment = QMap<QString, QString>;
 
-    /// A program that will keep its settings in the folder `settings`.
+    /// A program with a settings folder of its own, which is empty.
+    RunningProgram();
+    /// A program that shares the folder `settings`.
     explicit RunningProgram(QString settings);
     ~RunningProgram();
     Q_DISABLE_COPY(RunningProgram)
@@ -27,16 +30,20 @@ public:
 
     /// Whether it runs.
     bool isRunning() const;
-    /// With what it ended by itself: the exit code; -1 if it crashed or had anything to say.
+    /// The folder that it keeps its settings in.
+    QString settings() const { return settingsFolder; }
+    /// The exit code once it has ended by itself; -1 if it crashed or printed anything.
     int exitCode();
     /// Its main window.
     WId window() const;
-    /// A box of its that is open, once it has the keyboard; 0 if none opens.
+    /// Its open box, once that has the keyboard; 0 if none opens.
     WId box() const;
     /// Waits until there is no window but the main one, and that one has the keyboard.
     bool isAlone() const;
 
+    /// The window's place on the screen.
     QRect geometry() const;
+    /// What the window shows.
     QImage picture() const;
     /// Waits until the view has changed `count` times.
     bool showsFrames(int count) const;
@@ -75,6 +82,7 @@ private:
     QElapsedTimer sincePress;
     QPoint lastPress;
     QProcess process;
+    QTemporaryDir ownFolder;
     QString settingsFolder;
     QRect first;
     QPoint step;

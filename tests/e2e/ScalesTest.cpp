@@ -19,8 +19,7 @@ private slots:
         QFETCH(QString, factor);
         const double scale = factor.toDouble();
         const RunningProgram::Environment environment = {{"QT_SCALE_FACTOR", factor}};
-        const QTemporaryDir settings;
-        RunningProgram program(settings.path());
+        RunningProgram program;
         QVERIFY(program.start(environment));
         const QRect place = program.geometry();
         QVERIFY(std::abs(place.width() - 701 * scale) < scale);

@@ -6,14 +6,12 @@ class SelectingTest : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> settings;
     std::unique_ptr<RunningProgram> program;
 
 private slots:
     void init()
     {
-        settings = std::make_unique<QTemporaryDir>();
-        program = std::make_unique<RunningProgram>(settings->path());
+        program = std::make_unique<RunningProgram>();
         QVERIFY(program->start());
         RunningProgram::paste(textOf(distinctRows()));
         QVERIFY(program->findCells());

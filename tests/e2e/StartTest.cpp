@@ -3,7 +3,6 @@
 #include "tests/e2e/Rows.h"
 
 #include <QDir>
-#include <QSet>
 
 class StartTest : public QObject
 {

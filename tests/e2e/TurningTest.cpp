@@ -12,15 +12,13 @@ class TurningTest : public QObject
     const Row row = cone(0.05F);
     static constexpr double halfWay = 45.0;
 
-    std::unique_ptr<QTemporaryDir> settings;
     std::unique_ptr<RunningProgram> program;
     QPoint start;
 
 private slots:
     void init()
     {
-        settings = std::make_unique<QTemporaryDir>();
-        program = std::make_unique<RunningProgram>(settings->path());
+        program = std::make_unique<RunningProgram>();
         QVERIFY(program->start());
         RunningProgram::paste(textOf({row, cone(1.0F)}));
         QVERIFY(program->findCells());

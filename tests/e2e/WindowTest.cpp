@@ -8,7 +8,6 @@ class WindowTest : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> settings;
     std::unique_ptr<RunningProgram> program;
 
     void restart()
@@ -20,8 +19,7 @@ class WindowTest : public QObject
 private slots:
     void init()
     {
-        settings = std::make_unique<QTemporaryDir>();
-        program = std::make_unique<RunningProgram>(settings->path());
+        program = std::make_unique<RunningProgram>();
         QVERIFY(program->start());
     }
 
@@ -137,7 +135,7 @@ private slots:
     void twoAtOnce()
     {
         QFETCH(bool, firstClosesLast);
-        RunningProgram second(settings->path());
+        RunningProgram second(program->settings());
         QVERIFY(second.start());
         QVERIFY(second.findCells()); // and the keys go there
         RunningProgram::paste("2\t2\t2\t2\t2\t2\n");

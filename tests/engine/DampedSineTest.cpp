@@ -8,7 +8,6 @@
 
 #include <QtTest>
 
-#include <array>
 #include <cmath>
 #include <limits>
 #include <random>

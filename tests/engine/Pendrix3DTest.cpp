@@ -8,7 +8,6 @@
 #include <qopengl.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>

@@ -15,7 +15,6 @@
 #include "tests/soak/Resources.h"
 #include "ui_MainWindow.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QClipboard>
 #include <QCursor>

@@ -15,7 +15,6 @@
 #include <cstdlib>
 #include <functional>
 #include <limits>
-#include <memory>
 #include <new>
 #include <vector>
 
