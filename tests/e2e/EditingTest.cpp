@@ -29,7 +29,7 @@ private slots:
     {
         program->click(program->cell(0, 1));
         RunningProgram::type("0.0094");
-        RunningProgram::press({"Return"});
+        QVERIFY(program->closeEditor("Return"));
         rows[0][1] = 0.0094F;
         QCOMPARE(RunningProgram::copy(), expected());
         QVERIFY(program->showsFrames(3));
@@ -50,7 +50,7 @@ private slots:
     {
         program->doubleClick(program->cell(3, 1));
         RunningProgram::type("1.5");
-        RunningProgram::press({"Return"});
+        QVERIFY(program->closeEditor("Return"));
         rows[3][1] = 1.5F;
         QCOMPARE(RunningProgram::copy(), expected());
 
@@ -58,7 +58,7 @@ private slots:
         program->click(program->cell(4, 0));
         RunningProgram::press({"F2", "End"});
         RunningProgram::type("25");
-        RunningProgram::press({"Return"});
+        QVERIFY(program->closeEditor("Return"));
         rows[4][0] = 2025.0F;
         QCOMPARE(RunningProgram::copy(), expected());
     }
@@ -67,14 +67,14 @@ private slots:
     {
         program->click(program->cell(2, 0));
         RunningProgram::type("7");
-        RunningProgram::press({"Escape"});
+        QVERIFY(program->closeEditor("Escape"));
         QCOMPARE(RunningProgram::copy(), expected());
 
         // Tab goes on to the next cell and opens it.
         RunningProgram::type("8");
         RunningProgram::press({"Tab"});
         RunningProgram::type("9");
-        RunningProgram::press({"KP_Enter"});
+        QVERIFY(program->closeEditor("KP_Enter"));
         rows[2][0] = 8.0F;
         rows[2][1] = 9.0F;
         QCOMPARE(RunningProgram::copy(), expected());
@@ -102,12 +102,13 @@ private slots:
         for (const auto &text : texts) {
             RunningProgram::press({"F2", "ctrl+a"});
             RunningProgram::type(text.typed);
-            RunningProgram::press({"Return"});
+            QVERIFY(program->closeEditor("Return"));
             if (!std::isnan(text.stored))
                 rows[1][0] = text.stored;
             QCOMPARE(RunningProgram::copy(), expected());
         }
-        RunningProgram::press({"F2", "ctrl+a", "Delete", "Return"});
+        RunningProgram::press({"F2", "ctrl+a", "Delete"});
+        QVERIFY(program->closeEditor("Return"));
         QCOMPARE(RunningProgram::copy(), expected());
     }
 
@@ -117,16 +118,17 @@ private slots:
         RunningProgram::press({"F2"});
         QCOMPARE(RunningProgram::copy(), QByteArray("20"));
         RunningProgram::paste("2.75");
-        RunningProgram::press({"Return"});
+        QVERIFY(program->closeEditor("Return"));
         rows[2][0] = 2.75F;
         QCOMPARE(RunningProgram::copy(), expected());
     }
 
     void theLastRow()
     {
-        RunningProgram::press({"Down", "ctrl+End"});
+        // Up and Down, for Ctrl moves to a cell and does not select it.
+        RunningProgram::press({"ctrl+End", "Up", "Down"});
         RunningProgram::type("64");
-        RunningProgram::press({"Return"});
+        QVERIFY(program->closeEditor("Return"));
         QByteArray text = expected();
         text.chop(2);
         QCOMPARE(RunningProgram::copy(), text + "64\n");

@@ -79,18 +79,12 @@ inline QByteArray withTop(const QByteArray &text, const Rows &rows)
     return textOf(rows) + lines.mid(rows.size()).join('\n');
 }
 
-/// Types `text` into the current cell, which is not being edited, and presses Return. Waits until the editor is open
-/// and until it is closed, as the picture shows it: keys that follow too soon would still be the editor's.
-template <typename Picture>
-bool enter(const QString &text, Picture picture)
+/// Types `text` into the current cell, which is not being edited, and presses Return. `picture` shows the table.
+inline bool enter(const QString &text, const std::function<QImage()> &picture)
 {
-    const QSize cell = selectionIn(picture()).size() - QSize(2, 2);
-    const auto isClosed = [&] { return selectionIn(picture()).size().boundedTo(cell) == cell; };
+    const QSize cell = selectionIn(picture()).size();
     RunningProgram::type(text);
-    if (!QTest::qWaitFor([&] { return !isClosed(); }, Desktop::patience))
-        return false;
-    RunningProgram::press({"Return"});
-    return QTest::qWaitFor(isClosed, Desktop::patience);
+    return closeEditor("Return", cell, picture);
 }
 
 /// QVERIFY and QCOMPARE of what may take a while. The toolkit's own count their pauses and not what a look takes.

@@ -163,14 +163,8 @@ void RunningProgram::type(const QString &text)
 QByteArray RunningProgram::copy()
 {
     Desktop::putOnClipboard("nothing has been copied");
-    // An editor that Return has closed is gone once the program has no more keys to read; until then it has the key.
-    constexpr int tries = 5;
-    for (int i = 0; i < tries; ++i) {
-        press({"ctrl+c"});
-        if (QTest::qWaitFor(Desktop::isNewOnClipboard, Desktop::patience / tries))
-            return Desktop::clipboard();
-    }
-    return {};
+    press({"ctrl+c"});
+    return QTest::qWaitFor(Desktop::isNewOnClipboard, Desktop::patience) ? Desktop::clipboard() : QByteArray();
 }
 
 void RunningProgram::paste(const QByteArray &text)
@@ -223,6 +217,11 @@ QPoint RunningProgram::columnTitle(int column) const
     return {cell(0, column).x(), first.top() - 10};
 }
 
+bool RunningProgram::closeEditor(const QString &key) const
+{
+    return ::closeEditor(key, first.size(), [this] { return picture(); });
+}
+
 int RunningProgram::close()
 {
     Desktop::touch({"windowactivate", "--sync", QString::number(window()), "key", "alt+F4"});
@@ -244,6 +243,16 @@ int RunningProgram::exitCode()
     if (!messages.isEmpty())
         qWarning() << messages;
     return messages.isEmpty() ? process.exitCode() : -1;
+}
+
+bool closeEditor(const QString &key, QSize cell, const std::function<QImage()> &picture)
+{
+    const QSize most = cell - QSize(2, 2);
+    const auto isClosed = [&] { return selectionIn(picture()).size().boundedTo(most) == most; };
+    if (!QTest::qWaitFor([&] { return !isClosed(); }, Desktop::patience))
+        return false;
+    RunningProgram::press({key});
+    return QTest::qWaitFor(isClosed, Desktop::patience);
 }
 
 QRect selectionIn(const QImage &picture)

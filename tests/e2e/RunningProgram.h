@@ -9,6 +9,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <functional>
 #include <memory>
 
 /// The installed program, running, and what a user can do with it. All positions are pixels of the screen, relative to
@@ -57,7 +58,7 @@ public:
     static void press(const QStringList &keys);
     static void type(const QString &text);
 
-    /// Presses Ctrl+C, again if nothing comes of it, and what the clipboard holds then.
+    /// Presses Ctrl+C, and what the clipboard holds then; nothing if the program puts nothing there.
     static QByteArray copy();
     /// Puts `text` on the clipboard, presses Ctrl+V, and waits until the program takes it.
     static void paste(const QByteArray &text);
@@ -71,6 +72,10 @@ public:
     QPoint columnTitle(int column) const;
     QRect firstCell() const { return first; }
     QPoint cellStep() const { return step; }
+
+    /// Waits until the current cell is being edited, presses `key`, and waits until it no longer is. The cells have to
+    /// be found before.
+    bool closeEditor(const QString &key) const;
 
     /// Asks the window manager to close the window, waits for the end and tells its exitCode; -1 if there is no end.
     int close();
@@ -92,6 +97,10 @@ Q_DECLARE_METATYPE(RunningProgram::Environment)
 
 /// The box around what is selected in the table, by the colour of the selection.
 QRect selectionIn(const QImage &picture);
+
+/// Waits until an editor covers some of the current cell of the size `cell`, presses `key`, and waits until none does,
+/// as `picture` shows it: the editor takes every key that comes before it is closed. False if it does not come to that.
+bool closeEditor(const QString &key, QSize cell, const std::function<QImage()> &picture);
 
 /// main of a test program that has the display to itself.
 #define PENDRIX_END_TO_END_MAIN(TestClass)                                                                             \

@@ -157,7 +157,7 @@ private slots:
     {
         QVERIFY(program->findCells());
         RunningProgram::type("12.5");
-        RunningProgram::press({"Return"});
+        QVERIFY(program->closeEditor("Return"));
         const QByteArray text = RunningProgram::copy();
         QVERIFY(text.startsWith("12.5\t2\t3\t"));
         for (int i = 0; i < 2; ++i) {
