@@ -19,14 +19,18 @@ on_display=tools/on-virtual-display.sh
 engine=build/release/benchmarks/engine
 app=build/release/benchmarks/app
 figures=$(mktemp)
-trap 'rm -f "$figures"' EXIT
+messages=$(mktemp)
+trap 'rm -f "$figures" "$messages"' EXIT
 
 # measure COMMAND ...: runs it as a benchmark and adds lines "NAME MICROSECONDS", medians of processor time.
 measure() {
-  "$@" --benchmark_format=csv --benchmark_min_time="$seconds" --benchmark_repetitions="$repetitions" 2> /dev/null |
+  "$@" --benchmark_format=csv --benchmark_min_time="$seconds" --benchmark_repetitions="$repetitions" 2> "$messages" |
     awk -F, -v repetitions="$repetitions" '
       { gsub(/"/, "", $1) }
-      $5 == "us" && (repetitions == 1 || sub(/_median$/, "", $1)) { print $1, $4 }' >> "$figures"
+      $5 == "us" && (repetitions == 1 || sub(/_median$/, "", $1)) { print $1, $4 }' >> "$figures" || {
+    cat "$messages" >&2
+    return 1
+  }
 }
 measure "$engine/CurveBenchmark"
 measure "$engine/DrawBenchmark"

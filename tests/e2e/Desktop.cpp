@@ -4,7 +4,6 @@
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QProcess>
-#include <QtTest>
 
 #include <cstring>
 

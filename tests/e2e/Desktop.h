@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <QVector>
 #include <QWindow>
+#include <QtTest>
 
 /// The X display that the test has to itself, with a window manager, as seen from outside the programs on it.
 namespace Desktop {
@@ -46,3 +47,13 @@ bool isNewOnClipboard();
 QByteArray clipboard();
 
 } // namespace Desktop
+
+/// QVERIFY and QCOMPARE of what may take a while. The toolkit's own count their pauses and not what a look takes.
+#define VERIFY_SOON(condition) QVERIFY(QTest::qWaitFor([&] { return static_cast<bool>(condition); }, Desktop::patience))
+#define COMPARE_SOON(actual, expected)                                                                                 \
+    do {                                                                                                               \
+        auto seen = (actual);                                                                                          \
+        const decltype(seen) wanted = (expected);                                                                      \
+        if (!QTest::qWaitFor([&] { return (seen = (actual)) == wanted; }, Desktop::patience))                          \
+            QCOMPARE(seen, wanted);                                                                                    \
+    } while (false)

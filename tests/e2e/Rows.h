@@ -78,21 +78,3 @@ inline QByteArray withTop(const QByteArray &text, const Rows &rows)
     const QList<QByteArray> lines = text.split('\n');
     return textOf(rows) + lines.mid(rows.size()).join('\n');
 }
-
-/// Types `text` into the current cell, which is not being edited, and presses Return. `picture` shows the table.
-inline bool enter(const QString &text, const std::function<QImage()> &picture)
-{
-    const QSize cell = selectionIn(picture()).size();
-    RunningProgram::type(text);
-    return closeEditor("Return", cell, picture);
-}
-
-/// QVERIFY and QCOMPARE of what may take a while. The toolkit's own count their pauses and not what a look takes.
-#define VERIFY_SOON(condition) QVERIFY(QTest::qWaitFor([&] { return static_cast<bool>(condition); }, Desktop::patience))
-#define COMPARE_SOON(actual, expected)                                                                                 \
-    do {                                                                                                               \
-        auto seen = (actual);                                                                                          \
-        const decltype(seen) wanted = (expected);                                                                      \
-        if (!QTest::qWaitFor([&] { return (seen = (actual)) == wanted; }, Desktop::patience))                          \
-            QCOMPARE(seen, wanted);                                                                                    \
-    } while (false)

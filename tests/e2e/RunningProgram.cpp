@@ -255,6 +255,13 @@ bool closeEditor(const QString &key, QSize cell, const std::function<QImage()> &
     return QTest::qWaitFor(isClosed, Desktop::patience);
 }
 
+bool enter(const QString &text, const std::function<QImage()> &picture)
+{
+    const QSize cell = selectionIn(picture()).size();
+    RunningProgram::type(text);
+    return closeEditor("Return", cell, picture);
+}
+
 QRect selectionIn(const QImage &picture)
 {
     const QRect view = viewIn(picture);

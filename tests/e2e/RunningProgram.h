@@ -7,7 +7,6 @@
 #include <QMap>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QtTest>
 
 #include <functional>
 #include <memory>
@@ -101,6 +100,9 @@ QRect selectionIn(const QImage &picture);
 /// Waits until an editor covers some of the current cell of the size `cell`, presses `key`, and waits until none does,
 /// as `picture` shows it: the editor takes every key that comes before it is closed. False if it does not come to that.
 bool closeEditor(const QString &key, QSize cell, const std::function<QImage()> &picture);
+
+/// Types `text` into the current cell, which is not being edited, and presses Return. `picture` shows the table.
+bool enter(const QString &text, const std::function<QImage()> &picture);
 
 /// main of a test program that has the display to itself.
 #define PENDRIX_END_TO_END_MAIN(TestClass)                                                                             \
