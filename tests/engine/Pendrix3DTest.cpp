@@ -316,6 +316,24 @@ private slots:
         QCOMPARE(colors, pdx3.colors);
     }
 
+    void aRandomFrequencyOfZeroStandsStill()
+    {
+        const auto drawsZero = [](unsigned int seed) {
+            std::srand(seed);
+            const int freq1 = std::rand() % 100;
+            const int freq2 = std::rand() % 100;
+            return freq1 != 0 && freq2 == 0;
+        };
+        unsigned int seed = 1;
+        while (!drawsZero(seed))
+            ++seed;
+        std::srand(seed);
+        pdx3.setRandom();
+        QCOMPARE(pdx3.freq2, 0.0F);
+        QVERIFY(std::all_of(pdx3.points.cbegin(), pdx3.points.cend(), [](const CurvePoint &p) { return p.x == 0.0F; }));
+        QVERIFY(std::any_of(pdx3.points.cbegin(), pdx3.points.cend(), [](const CurvePoint &p) { return p.y != 0.0F; }));
+    }
+
     void presetsAsText()
     {
         const QStringList expected = {
@@ -331,6 +349,11 @@ private slots:
         pdx3.paramList.removeLast();
         QCOMPARE(pdx3.preset2StringList(), expected);
         pdx3.paramList = rows;
+
+        pdx3.presets.append(QVector<float>());
+        const QStringList withAnEmptyRow = pdx3.preset2StringList();
+        pdx3.presets.removeLast();
+        QCOMPARE(withAnEmptyRow, expected + QStringList(QString("")));
 
         const QLocale before;
         QLocale::setDefault(QLocale(QLocale::German)); // where a decimal comma is written

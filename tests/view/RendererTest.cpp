@@ -251,6 +251,11 @@ private slots:
 
         view.setFPS(100.0F);
         QTRY_VERIFY(view.paints >= still + 5);
+
+        view.stopTimers();
+        view.setFPS(3000.0F); // whenever there is nothing else to do
+        const int then = view.paints;
+        QTRY_VERIFY(view.paints >= then + 5);
     }
 
     void requestsBecomeOnePaint()
