@@ -12,7 +12,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
-#include <QHeaderView>
 #include <QMessageBox>
 #include <QScreen>
 #include <QSettings>
@@ -73,7 +72,8 @@ void apply(const QSettings &store, MainWindow &window)
     TableParams &table = *window.ui->tableParams;
     const auto widths = store.value(colsWidthKey).value<QVector<int>>();
     for (int i = 0; i < table.model->columnCount() && i < widths.size(); ++i) {
-        if (widths.at(i) >= table.horizontalHeader()->minimumSectionSize() && widths.at(i) <= widestColumn)
+        // A column of no width would be hidden. The toolkit widens one that has become too narrow for a larger font.
+        if (widths.at(i) > 0 && widths.at(i) <= widestColumn)
             table.setColumnWidth(i, widths.at(i));
     }
 

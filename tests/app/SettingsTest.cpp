@@ -7,6 +7,7 @@
 #include "tests/support/FloatBits.h"
 #include "ui_MainWindow.h"
 
+#include <QHeaderView>
 #include <QProcess>
 #include <QScreen>
 #include <QSettings>
@@ -423,7 +424,7 @@ private slots:
     void widths_data()
     {
         QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<QVector<int>>("expected"); // 0: as wide as when nothing sets it
+        QTest::addColumn<QVector<int>>("expected"); // 0: as wide as when nothing sets it; -1: as narrow as can be
         constexpr int most = std::numeric_limits<int>::max();
         constexpr int least = std::numeric_limits<int>::min();
         const auto row = [](const char *name, const QVector<int> &widths, const QVector<int> &expected) {
@@ -435,7 +436,8 @@ private slots:
         row("longer", {50, 60, 70, 80, 90, 110, 5, 6, 7}, {50, 60, 70, 80, 90, 110});
         row("negative", {-1, least, 70, -5, -100, 110}, {0, 0, 70, 0, 0, 110});
         row("absurd", {most, 2000000, 1000000, 80, 90, 110}, {0, 0, 0, 80, 90, 110});
-        row("nothing left to see", {0, 1, 70, 80, 90, 110}, {0, 0, 70, 80, 90, 110});
+        row("nothing left to see", {0, 70, 0, 80, 90, 110}, {0, 70, 0, 80, 90, 110});
+        row("too narrow, as after a change to a larger font", {1, 8, 70, 80, 90, 110}, {-1, -1, 70, 80, 90, 110});
         QTest::newRow("2^31 - 1 of them") << bigEndian(0x7FFFFFFFU) << QVector<int>(6, 0);
         QTest::newRow("cut off") << contentOf(QVector<int>{50, 60, 70}).chopped(2) << QVector<int>(6, 0);
     }
@@ -445,8 +447,11 @@ private slots:
         QFETCH(QByteArray, content);
         QFETCH(QVector<int>, expected);
         write("[General]\n" + variantLine("colsWidth", userValue(widthsType, content)));
-        const int unset = TableParams().columnWidth(0);
-        std::replace(expected.begin(), expected.end(), 0, unset);
+        const TableParams untouched;
+        const int narrowest = untouched.horizontalHeader()->minimumSectionSize();
+        QVERIFY(narrowest > 8);
+        std::replace(expected.begin(), expected.end(), 0, untouched.columnWidth(0));
+        std::replace(expected.begin(), expected.end(), -1, narrowest);
         const MainWindow window;
         QVector<int> found;
         for (int i = 0; i < 6; ++i)
@@ -543,6 +548,25 @@ private slots:
                 QCOMPARE(window.ui->dockParams->isHidden(), shown);
             }
         }
+    }
+
+    void aToolbarDraggedOutOfTheWindowStaysThere()
+    {
+        {
+            MainWindow window;
+            window.show();
+            QVERIFY(QTest::qWaitForWindowExposed(&window));
+            const QToolBar *bar = window.ui->mainToolBar;
+            const QPoint handle = bar->geometry().topLeft() + QPoint(6, bar->height() / 2);
+            QTest::mousePress(window.windowHandle(), Qt::LeftButton, {}, handle);
+            for (int i = 1; i <= 10; ++i)
+                QTest::mouseMove(window.windowHandle(), handle + QPoint(20 * i, 20 * i));
+            QTRY_VERIFY(bar->isFloating());
+            QTest::mouseRelease(window.windowHandle(), Qt::LeftButton, {}, handle + QPoint(200, 200));
+            QVERIFY(bar->isFloating());
+        }
+        const MainWindow window;
+        QVERIFY(window.ui->mainToolBar->isFloating());
     }
 
     void cutOffAfterEveryByte()
