@@ -123,7 +123,6 @@ public:
         const int before = count.frames;
         waitUntil("frames", [&] { return count.frames >= before + 20; });
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QPixmapCache::clear(); // the toolkit keeps pictures of the boxes' buttons, up to 10 MB of them
         QGuiApplication::sync();
         expect(showsCurve(), "The view shows the curve");
     }
@@ -439,6 +438,8 @@ int main(int argc, char *argv[])
     if (!qEnvironmentVariableIsSet("LP_NUM_THREADS"))
         qputenv("LP_NUM_THREADS", "0");
     QApplication application(argc, argv);
+    // The toolkit keeps pictures of the boxes' buttons, up to 10 MB of them, and their names even when they are dropped.
+    QPixmapCache::setCacheLimit(0);
     const QStringList arguments = QCoreApplication::arguments();
     const int frames = arguments.size() == 2 ? arguments.at(1).toInt() : 2 * sampleEvery;
     if (arguments.size() > 2 || frames < 2 * sampleEvery) {
