@@ -195,8 +195,10 @@ private slots:
             "format. </p>"));
         QVERIFY(
             plain.contains("<p align=\"left\" style=\"text-align: left\"> Reset copies original preset values. </p>"));
+        QVERIFY(plain.contains("</table> <h2>The pendulum drawing machine</h2> <table"));
         QVERIFY(plain.contains("href=\"https://quillmoss.example/\""));
         QVERIFY(plain.contains("href=\"mailto:pendrix@quillmoss.example\""));
+        QVERIFY(plain.contains("It is built with the <a href=\"https://www.qt.io/\">Qt</a> toolkit."));
     }
 
     void textFiles()

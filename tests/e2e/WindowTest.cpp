@@ -25,7 +25,7 @@ private slots:
 
     void cleanup() { QCOMPARE(program->close(), 0); }
 
-    void theTableClosesForGood()
+    void aClosedTableStaysClosedUntilTheMenuBarIsAskedForIt()
     {
         const int width = viewIn(program->picture()).width();
         program->click({340, 48});
@@ -37,6 +37,11 @@ private slots:
             // The rows are still there.
             QCOMPARE(RunningProgram::copy(), presetText());
         }
+        program->drag({200, 11}, {200, 11}, {3});
+        RunningProgram::press({"Down", "Return"});
+        VERIFY_SOON(viewIn(program->picture()).width() < width + 300);
+        program->click({60, 250});
+        VERIFY_SOON(!selectionIn(program->picture()).isEmpty());
     }
 
     void columnWidths()
