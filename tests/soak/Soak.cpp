@@ -438,7 +438,8 @@ int main(int argc, char *argv[])
     if (!qEnvironmentVariableIsSet("LP_NUM_THREADS"))
         qputenv("LP_NUM_THREADS", "0");
     QApplication application(argc, argv);
-    // The toolkit keeps pictures of the boxes' buttons, up to 10 MB of them, and their names even when they are dropped.
+    // The toolkit keeps pictures of the boxes' buttons, up to 10 MB of them, and their names even when they are
+    // dropped.
     QPixmapCache::setCacheLimit(0);
     const QStringList arguments = QCoreApplication::arguments();
     const int frames = arguments.size() == 2 ? arguments.at(1).toInt() : 2 * sampleEvery;
@@ -457,6 +458,9 @@ int main(int argc, char *argv[])
         user.useUntil(at);
         user.rest();
         samples << meter.measure(user.frames());
+        // Only the first and the last are compared so closely, and a hundred of these lists would count as growth.
+        if (samples.size() > 2)
+            samples[samples.size() - 2].ofDisplay.clear();
         std::cout << qPrintable(samples.last().line()) << std::endl;
     }
     std::cout << qPrintable(user.story()) << std::endl;
