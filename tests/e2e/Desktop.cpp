@@ -129,6 +129,21 @@ WId Desktop::activeWindow()
     return window;
 }
 
+void Desktop::close(WId window)
+{
+    constexpr long fromTheUser = 2; // by way of a program that looks after others' windows
+    XEvent event = {};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = window;
+    event.xclient.message_type = XInternAtom(display(), "_NET_CLOSE_WINDOW", False);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = CurrentTime;
+    event.xclient.data.l[1] = fromTheUser;
+    XSendEvent(display(), DefaultRootWindow(display()), False, SubstructureRedirectMask | SubstructureNotifyMask,
+               &event);
+    XFlush(display());
+}
+
 void Desktop::touch(const QStringList &words)
 {
     if (QProcess::execute("xdotool", words) != 0)

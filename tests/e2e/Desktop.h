@@ -28,6 +28,9 @@ QRect geometryOf(WId window);
 /// The window that has the keyboard.
 WId activeWindow();
 
+/// Asks the window manager to close the window, as a task bar does.
+void close(WId window);
+
 /// Pointer and keys, in the words of xdotool. A failure is one of the running test.
 void touch(const QStringList &words);
 

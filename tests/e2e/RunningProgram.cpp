@@ -224,7 +224,7 @@ bool RunningProgram::closeEditor(const QString &key) const
 
 int RunningProgram::close()
 {
-    Desktop::touch({"windowactivate", "--sync", QString::number(window()), "key", "alt+F4"});
+    Desktop::close(window());
     return process.waitForFinished(Desktop::patience) ? exitCode() : -1;
 }
 
