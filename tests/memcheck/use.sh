@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
 # Uses the program as somebody would who has it before them, for memcheck.sh: rows, an edit, turns, another size, copy,
-# paste, reset and the about box. Fails if the rows, the boxes or the size do not
-# become what they are to be.
+# paste, reset and the about box. Fails if the rows, the boxes or the size do not become what they are to be.
 set -euo pipefail
 
 # until_true COMMAND ...: waits for it; under memcheck everything takes its time.
