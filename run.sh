@@ -10,7 +10,7 @@ case "$#:${1-}" in
 esac
 
 cd "$(dirname "${BASH_SOURCE[0]}")"
-. tools/packages.sh
+. scripts/packages.sh
 install_missing "${to_build[@]}"
 cmake --preset release
 cmake --build --preset release --target pendrix3d pendrix_screenshot
@@ -23,5 +23,5 @@ if [ -z "$picture" ]; then
   echo "There is no display at hand, so the program runs on a virtual one."
   picture=$PWD/build/release/screenshot.png
 fi
-tools/on-virtual-display.sh build/release/tools/pendrix_screenshot build/release/pendrix3d "$picture"
+scripts/on-virtual-display.sh build/release/tools/pendrix_screenshot build/release/pendrix3d "$picture"
 echo "Screenshot: $picture"

@@ -3,7 +3,7 @@
 #include "app/Clipboard.h"
 #include "app/SettingsFile.h"
 #include "app/SettingsTypes.h"
-#include "app/WindowLayout.h"
+#include "app/WindowStateCheck.h"
 #include "engine/Pendrix3D.h"
 #include "table/Model.h"
 #include "ui_MainWindow.h"
@@ -63,7 +63,7 @@ void apply(const QSettings &store, MainWindow &window)
 {
     const QByteArray layout = store.value(windowStateKey).toByteArray();
     // A toolkit that writes layouts in another form than we know is left alone with them.
-    if (isMainWindowLayout(layout) || !isMainWindowLayout(window.saveState()))
+    if (isMainWindowStateCheck(layout) || !isMainWindowStateCheck(window.saveState()))
         window.restoreState(layout);
     const QScreen *screen = QGuiApplication::primaryScreen();
     if (window.restoreGeometry(store.value(geometryKey).toByteArray()) && screen)

@@ -1,6 +1,6 @@
 // Time and peak memory of a paste, for texts of several shapes and sizes, from another program (xclip).
 //
-// Both should grow as the text does. Needs a display: tools/on-virtual-display.sh PasteBenchmark
+// Both should grow as the text does. Needs a display: scripts/on-virtual-display.sh PasteBenchmark
 
 #include "app/Clipboard.h"
 #include "engine/Pendrix3D.h"

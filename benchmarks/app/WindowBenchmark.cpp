@@ -1,7 +1,7 @@
 // clazy:excludeall=non-pod-global-static (that is how benchmarks are registered)
 
 // What the user waits for beside the curve: settings loaded and saved, rows copied and pasted.
-// Needs a display: tools/on-virtual-display.sh WindowBenchmark
+// Needs a display: scripts/on-virtual-display.sh WindowBenchmark
 
 #include "app/Clipboard.h"
 #include "app/MainWindow.h"

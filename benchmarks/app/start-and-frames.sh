@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# What the program costs beyond its empty window: start-and-frames.sh PROGRAM TWIN PRELOAD [N]
-# Starts PROGRAM and TWIN (pendrix_empty_twin) N times each, in turns, with PRELOAD (libpendrix_first_frame.so) watching
+# What the program costs beyond its empty window: start-and-frames.sh PROGRAM BASELINE PRELOAD [N]
+# Starts PROGRAM and BASELINE (pendrix_baseline) N times each, in turns, with PRELOAD (libpendrix_first_frame.so) watching
 # their frames, and prints what both took. N is 11 unless given; a start takes about seven seconds.
-# Needs a display: tools/on-virtual-display.sh benchmarks/app/start-and-frames.sh ...
+# Needs a display: scripts/on-virtual-display.sh benchmarks/app/start-and-frames.sh ...
 set -euo pipefail
 export LC_ALL=C # a dot in numbers
 
@@ -11,7 +11,7 @@ if [ $# -lt 3 ] || [ $# -gt 4 ]; then
   exit 2
 fi
 program=$(realpath "$1")
-twin=$(realpath "$2")
+baseline=$(realpath "$2")
 preload=$(realpath "$3")
 rounds=${4:-11}
 
@@ -44,14 +44,14 @@ measure() {
 
 # The first start of each fills the caches and does not count.
 measure program "$program"
-measure twin "$twin"
+measure baseline "$baseline"
 : > "$scratch/figures"
 for ((round = 0; round < rounds; ++round)); do
   if ((round % 2 == 0)); then
     measure program "$program"
-    measure twin "$twin"
+    measure baseline "$baseline"
   else
-    measure twin "$twin"
+    measure baseline "$baseline"
     measure program "$program"
   fi
 done
@@ -80,8 +80,8 @@ awk '
     printf "%-28s", title
     column("program", what)
     printf "  "
-    column("twin", what)
-    printf "  %6.3f\n", quantile("program", what, 0.5) / quantile("twin", what, 0.5)
+    column("baseline", what)
+    printf "  %6.3f\n", quantile("program", what, 0.5) / quantile("baseline", what, 0.5)
   }
 
   {
@@ -94,7 +94,7 @@ awk '
   }
 
   END {
-    printf "%-28s %8s  %18s   %8s  %18s  %6s\n", "", "program", "quartiles", "twin", "quartiles", "ratio"
+    printf "%-28s %8s  %18s   %8s  %18s  %6s\n", "", "program", "quartiles", "baseline", "quartiles", "ratio"
     line("start to first frame, ms", "first")
     line("processor until then, ms", "work")
     line("resident then, MB", "memory")

@@ -2,7 +2,7 @@
 
 #include "engine/Pendrix3D.h"
 
-#include "tests/support/OpenGLStandIn.h"
+#include "tests/support/FakeOpenGL.h"
 #include "tests/support/Sanitizer.h"
 
 #include <QtTest>
@@ -80,7 +80,7 @@ private slots:
 
     void framesAllocateNothing()
     {
-        OpenGLStandIn::setRecording(false);
+        FakeOpenGL::setRecording(false);
         QVector<QVector<float>> rows;
         for (int mode = -1; mode <= 5; ++mode)
             rows.append({1.0F, 2.0F, 3.0F, 0.1F, 0.2F, static_cast<float>(mode)});

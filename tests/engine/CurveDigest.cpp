@@ -1,6 +1,6 @@
 // Prints a digest of every number that the engine and the blending of colours compute from each of several lists of
 // inputs. Two builds that print the same have computed the same, bit for bit; which NaN a NaN is does not count, for
-// IEEE 754 leaves it open. tests/every-build.sh compares what different compilers make.
+// IEEE 754 leaves it open. scripts/every-build.sh compares what different compilers make.
 
 #include "color/ColorScale.h"
 #include "engine/Pendrix3D.h"

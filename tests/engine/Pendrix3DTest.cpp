@@ -2,7 +2,7 @@
 
 #include "color/ColorScale.h"
 #include "tests/support/FloatBits.h"
-#include "tests/support/OpenGLStandIn.h"
+#include "tests/support/FakeOpenGL.h"
 
 #include <QtTest>
 #include <qopengl.h>
@@ -366,10 +366,10 @@ private slots:
     {
         for (int preset = 0; preset < 12; ++preset) {
             pdx3.set(preset);
-            OpenGLStandIn::clear();
+            FakeOpenGL::clear();
             pdx3.draw();
 
-            const QVector<OpenGLCall> &calls = OpenGLStandIn::calls();
+            const QVector<OpenGLCall> &calls = FakeOpenGL::calls();
             QCOMPARE(calls.size(), 2 + 2 * 16666);
             QCOMPARE(calls.first(), (OpenGLCall{"glBegin", {GL_LINE_STRIP}}));
             QCOMPARE(calls.last(), (OpenGLCall{"glEnd", {}}));
@@ -388,9 +388,9 @@ private slots:
     void drawsColorsThatWereChanged()
     {
         const auto colorCall = [](int point) {
-            OpenGLStandIn::clear();
+            FakeOpenGL::clear();
             pdx3.draw();
-            return OpenGLStandIn::calls().at(2 + 2 * point);
+            return FakeOpenGL::calls().at(2 + 2 * point);
         };
         const auto callOf = [](const QColor &color) {
             return OpenGLCall{"glColor4f",
@@ -438,21 +438,21 @@ private slots:
         const QVector<OpenGLCall> nothing = {{"glBegin", {GL_LINE_STRIP}}, {"glEnd", {}}};
         pdx3.set(0);
         pdx3.nPoints = 0;
-        OpenGLStandIn::clear();
+        FakeOpenGL::clear();
         pdx3.draw();
-        QCOMPARE(OpenGLStandIn::calls(), nothing);
+        QCOMPARE(FakeOpenGL::calls(), nothing);
 
         pdx3.set(0);
         pdx3.points.clear();
-        OpenGLStandIn::clear();
+        FakeOpenGL::clear();
         pdx3.draw();
-        QCOMPARE(OpenGLStandIn::calls(), nothing);
+        QCOMPARE(FakeOpenGL::calls(), nothing);
 
         pdx3.set(0);
         pdx3.colors.resize(3);
-        OpenGLStandIn::clear();
+        FakeOpenGL::clear();
         pdx3.draw();
-        QCOMPARE(OpenGLStandIn::calls().size(), 2 + 2 * 3);
+        QCOMPARE(FakeOpenGL::calls().size(), 2 + 2 * 3);
     }
 
     void drawingChangesNothing()

@@ -11,7 +11,7 @@
 #include "engine/Pendrix3D.h"
 
 #include "tests/support/FloatBits.h"
-#include "tests/support/OpenGLStandIn.h"
+#include "tests/support/FakeOpenGL.h"
 #include "tests/support/RandomRows.h"
 #include "tests/support/ReferenceCurve.h"
 
@@ -120,7 +120,7 @@ class RandomRowsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { OpenGLStandIn::setWatcher(watch); }
+    void initTestCase() { FakeOpenGL::setWatcher(watch); }
 
     void rows_data()
     {

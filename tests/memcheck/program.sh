@@ -8,5 +8,5 @@ cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 export LP_NATIVE_VECTOR_WIDTH=128 LP_NUM_THREADS=0 MESA_SHADER_CACHE_DISABLE=true G_SLICE=always-malloc
 # Names of functions in libraries that the program has let go are kept: suppressions go by them.
 exec valgrind --tool=memcheck --leak-check=full --show-leak-kinds=definite --errors-for-leak-kinds=definite \
-  --suppressions=tests/memcheck/others.supp --error-exitcode=99 \
+  --suppressions=tests/memcheck/valgrind.supp --error-exitcode=99 \
   --keep-debuginfo=yes --num-callers=60 --child-silent-after-fork=yes build/debug/pendrix3d

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/OpenGLStandIn.h"
+#include "tests/support/FakeOpenGL.h"
 
 #include <QByteArray>
 #include <QVector>
@@ -23,4 +23,4 @@ QByteArray difference(const QVector<OpenGLCall> &calls, const ExpectedCalls &exp
 QByteArray difference(const float *array, const QVector<double> &expected, double tolerance = 0.0);
 
 /// Fails the test unless the calls since the last clear are as expected.
-#define COMPARE_CALLS(expected) QCOMPARE(difference(OpenGLStandIn::calls(), expected), QByteArray())
+#define COMPARE_CALLS(expected) QCOMPARE(difference(FakeOpenGL::calls(), expected), QByteArray())

@@ -1,5 +1,5 @@
 // For builds with AddressSanitizer: libraries that were loaded stay loaded, so that a leak reported at the end of the
-// program still has the name of the library that it comes from, and tests/leaks-of-others.txt can tell it from ours.
+// program still has the name of the library that it comes from, and tests/lsan.supp can tell it from ours.
 
 #include <dlfcn.h>
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Fails unless CHECKER, the library made of CheckedOpenGL.cpp, has every OpenGL entry point that the libraries call:
+# Fails unless CHECKER, the library made of OpenGLErrorCheck.cpp, has every OpenGL entry point that the libraries call:
 # checked-entry-points.sh CHECKER LIBRARY ...
 set -euo pipefail
 

@@ -2,7 +2,7 @@
 
 #include "view/OpenGL.h"
 
-#include "tests/support/OpenGLStandIn.h"
+#include "tests/support/FakeOpenGL.h"
 #include "tests/support/Sanitizer.h"
 
 #include <QColor>
@@ -120,7 +120,7 @@ private slots:
 #ifdef PENDRIX_ADDRESS_SANITIZER
         QSKIP("the sanitizer's allocator cannot be replaced; it reports leaks itself");
 #endif
-        OpenGLStandIn::setRecording(false);
+        FakeOpenGL::setRecording(false);
         gl.dodecahedronFace(0); // may make its texture coordinates at the first call, and keep them
     }
 

@@ -4,7 +4,7 @@
 #include "view/Renderer.h"
 
 #include "tests/support/ExpectedCalls.h"
-#include "tests/support/OpenGLStandIn.h"
+#include "tests/support/FakeOpenGL.h"
 
 #include <QColor>
 #include <QtTest>
@@ -118,7 +118,7 @@ class OpenGLCallsTest : public QObject
     }
 
 private slots:
-    void init() { OpenGLStandIn::clear(); }
+    void init() { FakeOpenGL::clear(); }
 
     void constructionCallsNothing()
     {
@@ -131,7 +131,7 @@ private slots:
     {
         gl.chrysanthemum();
         COMPARE_CALLS(chrysanthemumCalls());
-        QCOMPARE(OpenGLStandIn::calls().size(), 1 + 3000 * 2 + 1);
+        QCOMPARE(FakeOpenGL::calls().size(), 1 + 3000 * 2 + 1);
     }
 
     void setup()
@@ -337,10 +337,10 @@ private slots:
                 // The height of an argument of its own goes nowhere.
                 for (const float z : {0.0F, 5.0F, noNumber}) {
                     Centre centre = at;
-                    OpenGLStandIn::clear();
+                    FakeOpenGL::clear();
                     gl.circle(centred ? centre.data() : nullptr, n, z);
                     COMPARE_CALLS(expected);
-                    for (const OpenGLCall &call : OpenGLStandIn::calls()) {
+                    for (const OpenGLCall &call : FakeOpenGL::calls()) {
                         if (call.name == "glVertex3f")
                             QCOMPARE(call, (OpenGLCall{"glVertex3f",
                                                        {call.arguments.at(0), call.arguments.at(1),
@@ -425,7 +425,7 @@ private slots:
         if (e.n > 0)
             QCOMPARE(difference(coords.get(), {double(e.cx + e.rx), double(e.cy)}), QByteArray());
         gl.ellipse(e.cx, e.cy, e.rx, e.ry, e.n);
-        const QVector<OpenGLCall> &calls = OpenGLStandIn::calls();
+        const QVector<OpenGLCall> &calls = FakeOpenGL::calls();
         for (int k = 0; k < e.n; ++k)
             QCOMPARE(difference(coords.get() + std::ptrdiff_t(2) * k, calls.at(1 + k).arguments), QByteArray());
     }

@@ -3,7 +3,7 @@
 #include "view/OpenGL.h"
 
 #include "tests/support/ExpectedCalls.h"
-#include "tests/support/OpenGLStandIn.h"
+#include "tests/support/FakeOpenGL.h"
 
 #include <QColor>
 #include <QtTest>
@@ -249,7 +249,7 @@ class OpenGLSolidsTest : public QObject
     static QVector<Point> drawnVertices()
     {
         QVector<Point> vertices;
-        for (const OpenGLCall &call : OpenGLStandIn::calls()) {
+        for (const OpenGLCall &call : FakeOpenGL::calls()) {
             if (call.name == "glVertex3fv")
                 vertices.append({call.arguments.at(0), call.arguments.at(1), call.arguments.at(2)});
         }
@@ -257,7 +257,7 @@ class OpenGLSolidsTest : public QObject
     }
 
 private slots:
-    void init() { OpenGLStandIn::clear(); }
+    void init() { FakeOpenGL::clear(); }
 
     void drawsItsFacesInOrder_data() { addSolids(); }
 
@@ -286,7 +286,7 @@ private slots:
                     if (i + 1 == solid.faces.size() || !solid.oneFigure)
                         expected.append(figureEnd);
                 }
-                OpenGLStandIn::clear();
+                FakeOpenGL::clear();
                 (gl.*solid.draw)(mode, colored ? colors.data() : nullptr);
                 COMPARE_CALLS(expected);
             }
@@ -338,7 +338,7 @@ private slots:
                                         QColor::fromRgba64(0x8000, 1, 0xFFFE)};
         gl.tetrahedron(GL_TRIANGLES, colors.data());
         QVector<OpenGLCall> sent;
-        for (const OpenGLCall &call : OpenGLStandIn::calls()) {
+        for (const OpenGLCall &call : FakeOpenGL::calls()) {
             if (call.name == "glColor3f")
                 sent.append(call);
         }
@@ -404,7 +404,7 @@ private slots:
     {
         gl.drawScene();
         COMPARE_CALLS(texturedFaces({1, 2, 5}));
-        OpenGLStandIn::clear();
+        FakeOpenGL::clear();
         gl.cubeTextured();
         COMPARE_CALLS(texturedFaces({0, 1, 2, 3, 4, 5}));
     }
@@ -413,10 +413,10 @@ private slots:
     void theTextureLiesOnTheCubeFaceOut()
     {
         for (int face = 0; face < 6; ++face) {
-            OpenGLStandIn::clear();
+            FakeOpenGL::clear();
             gl.cubeFace(face);
             std::map<std::pair<double, double>, Point> at;
-            const QVector<OpenGLCall> &calls = OpenGLStandIn::calls();
+            const QVector<OpenGLCall> &calls = FakeOpenGL::calls();
             QCOMPARE(calls.size(), 10);
             for (int k = 1; k < 9; k += 2) {
                 const QVector<double> &texture = calls.at(k).arguments;
@@ -438,9 +438,9 @@ private slots:
     {
         for (const int round : {1, 2}) {
             for (int face = 0; face < 12; ++face) {
-                OpenGLStandIn::clear();
+                FakeOpenGL::clear();
                 gl.dodecahedronFace(face);
-                const QByteArray found = difference(OpenGLStandIn::calls(), texturedPentagon(face));
+                const QByteArray found = difference(FakeOpenGL::calls(), texturedPentagon(face));
                 QVERIFY2(
                     found.isEmpty(),
                     qPrintable(QString("face %1, round %2, %3").arg(face).arg(round).arg(QString::fromLatin1(found))));
@@ -483,7 +483,7 @@ private slots:
         const std::unique_ptr<float[]> pentagon(gl.textPolygon(5));
         gl.dodecahedronFace(0);
         for (int k = 0; k < 5; ++k)
-            QCOMPARE(difference(pentagon.get() + std::ptrdiff_t(2) * k, OpenGLStandIn::calls().at(1 + 2 * k).arguments,
+            QCOMPARE(difference(pentagon.get() + std::ptrdiff_t(2) * k, FakeOpenGL::calls().at(1 + 2 * k).arguments,
                                 2e-7),
                      QByteArray());
     }

@@ -3,7 +3,7 @@
 #include "view/OpenGL.h"
 
 #include "tests/support/ExpectedCalls.h"
-#include "tests/support/OpenGLStandIn.h"
+#include "tests/support/FakeOpenGL.h"
 
 #include <QColor>
 #include <QtTest>
@@ -90,7 +90,7 @@ QColor colorOfCell(int cell)
 /// The three floats that were sent with a call, or NaN if it is missing.
 Vector sentWith(int call)
 {
-    const QVector<OpenGLCall> &calls = OpenGLStandIn::calls();
+    const QVector<OpenGLCall> &calls = FakeOpenGL::calls();
     if (call >= calls.size() || calls.at(call).arguments.size() != 3)
         return {noNumber, noNumber, noNumber};
     const QVector<double> &v = calls.at(call).arguments;
@@ -178,7 +178,7 @@ class OpenGLSpheresTest : public QObject
     static QVector<float> radii() { return {1.0F, 2.5F, -1.5F, 0.0F, 1e-30F, 1e38F, noNumber}; }
 
 private slots:
-    void init() { OpenGLStandIn::clear(); }
+    void init() { FakeOpenGL::clear(); }
 
     void sphere_data() { addBands(); }
 
@@ -191,7 +191,7 @@ private slots:
         const QVector<float> all = radii();
         for (const float r : all) {
             for (const bool colored : {false, true}) {
-                OpenGLStandIn::clear();
+                FakeOpenGL::clear();
                 gl.sphere(r, n, colored ? colors.data() : nullptr);
                 COMPARE_CALLS(sphereCalls(r, std::max(n, 0), filled, colored));
             }
@@ -205,7 +205,7 @@ private slots:
         QFETCH(int, n);
         const QVector<float> all = radii();
         for (const float r : all) {
-            OpenGLStandIn::clear();
+            FakeOpenGL::clear();
             gl.sphereLine(r, n);
             COMPARE_CALLS(sphereCalls(r, std::max(n, 0), outlined, false));
         }
@@ -218,7 +218,7 @@ private slots:
         QFETCH(int, n);
         const QVector<float> all = radii();
         for (const float r : all) {
-            OpenGLStandIn::clear();
+            FakeOpenGL::clear();
             gl.sphereTextured(r, n);
             COMPARE_CALLS(sphereCalls(r, std::max(n, 0), textured, false));
         }
@@ -227,12 +227,12 @@ private slots:
     void infiniteSpheres()
     {
         for (const float r : {inf, -inf}) {
-            OpenGLStandIn::clear();
+            FakeOpenGL::clear();
             gl.sphere(r, 3, nullptr);
-            QCOMPARE(OpenGLStandIn::calls().size(), 9 * callsOfACell(filled));
+            QCOMPARE(FakeOpenGL::calls().size(), 9 * callsOfACell(filled));
             gl.sphereLine(r, 3);
             gl.sphereTextured(r, 3);
-            QCOMPARE(OpenGLStandIn::calls().size(),
+            QCOMPARE(FakeOpenGL::calls().size(),
                      9 * (callsOfACell(filled) + callsOfACell(outlined) + callsOfACell(textured)));
         }
     }
@@ -243,7 +243,7 @@ private slots:
     {
         const int n = 24;
         for (const float r : {1.0F, -1.0F}) {
-            OpenGLStandIn::clear();
+            FakeOpenGL::clear();
             gl.sphere(r, n, nullptr);
             for (int cell = 0; cell < n * n; ++cell) {
                 const int start = cell * callsOfACell(filled);
@@ -269,7 +269,7 @@ private slots:
             const int first = i * n * perCell;
             const int last = (i * n + n - 1) * perCell;
             for (const auto &pair : {std::array<int, 2>{1, 2}, std::array<int, 2>{4, 3}})
-                QCOMPARE(difference({OpenGLStandIn::calls().at(last + pair[1])},
+                QCOMPARE(difference({FakeOpenGL::calls().at(last + pair[1])},
                                     {{"glVertex3fv", widened(sentWith(first + pair[0])), 1e-6}}),
                          QByteArray());
         }
@@ -340,7 +340,7 @@ private slots:
             if (round % 3 != 2)
                 QCOMPARE(p, before);
         }
-        QCOMPARE(difference(OpenGLStandIn::calls(), {}), QByteArray());
+        QCOMPARE(difference(FakeOpenGL::calls(), {}), QByteArray());
     }
 
     void normalise_data()
@@ -381,7 +381,7 @@ private slots:
             const std::unique_ptr<float[]> calculated(gl.normalise(v[0], v[1], v[2]));
             QCOMPARE(differenceInUlps(calculated.get(), unit(v)), QByteArray());
         }
-        QCOMPARE(difference(OpenGLStandIn::calls(), {}), QByteArray());
+        QCOMPARE(difference(FakeOpenGL::calls(), {}), QByteArray());
     }
 
     void angleVect_data()

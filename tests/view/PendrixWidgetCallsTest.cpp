@@ -4,7 +4,7 @@
 
 #include "engine/Pendrix3D.h"
 #include "tests/support/ApplicationTest.h"
-#include "tests/support/OpenGLStandIn.h"
+#include "tests/support/FakeOpenGL.h"
 
 #include <QTimer>
 #include <qopengl.h>
@@ -50,7 +50,7 @@ private slots:
     void init()
     {
         pdx3.set(0);
-        OpenGLStandIn::clear();
+        FakeOpenGL::clear();
     }
 
     void metaObject()
@@ -81,7 +81,7 @@ private slots:
         QCOMPARE(view.distance, -6.0F);
         view.initializeGL();
         QCOMPARE(view.distance, -5.0F);
-        QCOMPARE(OpenGLStandIn::calls().size(), 4); // the view's own, none of the scene
+        QCOMPARE(FakeOpenGL::calls().size(), 4); // the view's own, none of the scene
     }
 
     void framesShowTheCurveBeforeTheStep()
@@ -98,9 +98,9 @@ private slots:
         for (int frame = 0; frame < 20; ++frame) {
             const float freq1 = pdx3.freq1;
             const QVector<OpenGLCall> expected = camera + strip();
-            OpenGLStandIn::clear();
+            FakeOpenGL::clear();
             view.paintGL();
-            QCOMPARE(OpenGLStandIn::calls(), expected);
+            QCOMPARE(FakeOpenGL::calls(), expected);
             QCOMPARE(pdx3.freq1, static_cast<float>(static_cast<double>(freq1) + 0.0004));
         }
     }
@@ -111,9 +111,9 @@ private slots:
         view.paintGL();
         pdx3.set(7);
         const QVector<OpenGLCall> expected = strip();
-        OpenGLStandIn::clear();
+        FakeOpenGL::clear();
         view.paintGL();
-        QCOMPARE(OpenGLStandIn::calls().mid(7), expected);
+        QCOMPARE(FakeOpenGL::calls().mid(7), expected);
     }
 
     void aViewThatIsNeverShownNeverSteps()
@@ -122,7 +122,7 @@ private slots:
         view.resize(300, 300);
         view.setXRotation(99);
         QTest::qWait(300);
-        QCOMPARE(OpenGLStandIn::calls(), QVector<OpenGLCall>());
+        QCOMPARE(FakeOpenGL::calls(), QVector<OpenGLCall>());
         QCOMPARE(pdx3.freq1, 1.0F);
     }
 };

@@ -3,7 +3,7 @@
 #include "view/Renderer.h"
 
 #include "tests/support/ApplicationTest.h"
-#include "tests/support/OpenGLStandIn.h"
+#include "tests/support/FakeOpenGL.h"
 
 #include <qopengl.h>
 
@@ -63,12 +63,12 @@ class RendererCallsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init() { OpenGLStandIn::clear(); }
+    void init() { FakeOpenGL::clear(); }
 
     void constructionCallsNothing()
     {
         const Probe view;
-        QCOMPARE(OpenGLStandIn::calls(), Calls());
+        QCOMPARE(FakeOpenGL::calls(), Calls());
     }
 
     void initialise()
@@ -82,7 +82,7 @@ private slots:
             {"glHint", {GL_PERSPECTIVE_CORRECTION_HINT, GL_DONT_CARE}},
             sceneSetUp,
         };
-        QCOMPARE(OpenGLStandIn::calls(), expected);
+        QCOMPARE(FakeOpenGL::calls(), expected);
     }
 
     void resize_data()
@@ -105,14 +105,14 @@ private slots:
         QFETCH(int, h);
         Probe view;
         view.resizeGL(w, h);
-        QCOMPARE(OpenGLStandIn::calls(), frustum(w, h));
+        QCOMPARE(FakeOpenGL::calls(), frustum(w, h));
     }
 
     void paintAtRest()
     {
         Probe view;
         view.paintGL();
-        QCOMPARE(OpenGLStandIn::calls(), camera(-6.0, 180.0, 0.0, 0.0, 0.0));
+        QCOMPARE(FakeOpenGL::calls(), camera(-6.0, 180.0, 0.0, 0.0, 0.0));
     }
 
     void paintTurned()
@@ -124,7 +124,7 @@ private slots:
         view.distance = -2.5F;
         view.spinAngle = 12.25F;
         view.paintGL();
-        QCOMPARE(OpenGLStandIn::calls(), camera(-2.5, 180.0 - 2.0625, 360.0, 359.9375, 12.25));
+        QCOMPARE(FakeOpenGL::calls(), camera(-2.5, 180.0 - 2.0625, 360.0, 359.9375, 12.25));
     }
 
     void paintAtEveryAngle()
@@ -134,10 +134,10 @@ private slots:
             view.setXRotation(angle);
             view.setYRotation(5760 - angle);
             view.setZRotation(2 * angle);
-            OpenGLStandIn::clear();
+            FakeOpenGL::clear();
             view.paintGL();
             // Sixteenths of a degree up to 360 are exact in float and in double alike.
-            QCOMPARE(OpenGLStandIn::calls(),
+            QCOMPARE(FakeOpenGL::calls(),
                      camera(-6.0, 180.0 - angle / 16.0, (5760 - angle) / 16.0, 2 * angle / 16.0, 0.0));
         }
     }
@@ -147,7 +147,7 @@ private slots:
         Probe view;
         view.applyView = false;
         view.paintGL();
-        QCOMPARE(OpenGLStandIn::calls(), Calls{sceneDrawn});
+        QCOMPARE(FakeOpenGL::calls(), Calls{sceneDrawn});
     }
 
     void inputCallsNothing()
@@ -158,7 +158,7 @@ private slots:
         QTest::mouseDClick(&view, Qt::LeftButton);
         QTest::mouseMove(&view, {5, 5});
         view.setFPS(10.0F);
-        QCOMPARE(OpenGLStandIn::calls(), Calls());
+        QCOMPARE(FakeOpenGL::calls(), Calls());
     }
 
     void perspective()
@@ -173,7 +173,7 @@ private slots:
             {"glFrustum", {-h1 * 1.5, h1 * 1.5, -h1, h1, 1.0, 1000.0}},
             {"glFrustum", {-h2 * 2.0, h2 * 2.0, -h2, h2, 0.5, 10.0}},
         };
-        QCOMPARE(OpenGLStandIn::calls(), expected);
+        QCOMPARE(FakeOpenGL::calls(), expected);
     }
 };
 

@@ -1,4 +1,4 @@
-#include "tests/support/OpenGLStandIn.h"
+#include "tests/support/FakeOpenGL.h"
 
 #include "tests/support/FloatBits.h"
 
@@ -12,7 +12,7 @@
 namespace {
 
 bool recording = true;
-OpenGLStandIn::Watcher watching = nullptr;
+FakeOpenGL::Watcher watching = nullptr;
 
 QVector<OpenGLCall> &recorded()
 {
@@ -44,22 +44,22 @@ char *toString(const OpenGLCall &call)
     return qstrdup((text + ')').constData());
 }
 
-const QVector<OpenGLCall> &OpenGLStandIn::calls()
+const QVector<OpenGLCall> &FakeOpenGL::calls()
 {
     return recorded();
 }
 
-void OpenGLStandIn::clear()
+void FakeOpenGL::clear()
 {
     recorded().resize(0);
 }
 
-void OpenGLStandIn::setRecording(bool on)
+void FakeOpenGL::setRecording(bool on)
 {
     recording = on;
 }
 
-void OpenGLStandIn::setWatcher(Watcher watcher)
+void FakeOpenGL::setWatcher(Watcher watcher)
 {
     watching = watcher;
 }

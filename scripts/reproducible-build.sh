@@ -3,7 +3,7 @@
 # whether the same program and the same Debian package come out of both.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. tools/packages.sh
+. scripts/packages.sh
 install_missing "${to_build[@]}" "${to_package[@]}"
 
 scratch=$(mktemp --directory)

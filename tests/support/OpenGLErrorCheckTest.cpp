@@ -1,4 +1,4 @@
-// What the preloaded CheckedOpenGL finds. Each case runs in a process of its own, for a finding ends it.
+// What the preloaded OpenGLErrorCheck finds. Each case runs in a process of its own, for a finding ends it.
 
 #include "tests/support/OffscreenOpenGL.h"
 
@@ -48,7 +48,7 @@ bool makeCalls(const QByteArray &what)
 
 } // namespace
 
-class CheckedOpenGLTest : public QObject
+class OpenGLErrorCheckTest : public QObject
 {
     Q_OBJECT
 
@@ -106,8 +106,8 @@ int main(int argc, char *argv[])
             return 1;
         return std::fputs("done\n", stdout) < 0 ? 1 : 0;
     }
-    CheckedOpenGLTest test;
+    OpenGLErrorCheckTest test;
     return QTest::qExec(&test, argc, argv);
 }
 
-#include "CheckedOpenGLTest.moc"
+#include "OpenGLErrorCheckTest.moc"

@@ -1,21 +1,21 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds Pendrix 3D and measures it: one table, with ratios of what was measured in this run.
-#   ./bench.sh --short   checks that every benchmark runs; its figures are worth little
+#   scripts/bench.sh --short   checks that every benchmark runs; its figures are worth little
 set -euo pipefail
 export LC_ALL=C # a dot in numbers
 repetitions=9 seconds=0.1 starts=11 every=1
 case "$#:${1-}" in
   0:) ;;
   1:--short) repetitions=1 seconds=0.01 starts=1 every=1000 ;;
-  *) echo "usage: ./bench.sh [--short]" >&2; exit 2 ;;
+  *) echo "usage: scripts/bench.sh [--short]" >&2; exit 2 ;;
 esac
 
-cd "$(dirname "${BASH_SOURCE[0]}")"
-. tools/packages.sh
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/packages.sh
 install_missing "${to_build[@]}" "${to_measure[@]}"
 cmake --preset release
 cmake --build --preset release
-on_display=tools/on-virtual-display.sh
+on_display=scripts/on-virtual-display.sh
 engine=build/release/benchmarks/engine
 app=build/release/benchmarks/app
 figures=$(mktemp)
@@ -73,7 +73,7 @@ measure "$on_display" "$app/WindowBenchmark"
     }' "$figures"
   printf '\nThe program beside its window with nothing in it\n'
   "$on_display" benchmarks/app/start-and-frames.sh \
-    build/release/pendrix3d "$app/pendrix_empty_twin" "$app/libpendrix_first_frame.so" "$starts"
+    build/release/pendrix3d "$app/pendrix_baseline" "$app/libpendrix_first_frame.so" "$starts"
   echo
   "$engine/SineErrorBenchmark" "$every"
 } | tee build/release/bench.txt

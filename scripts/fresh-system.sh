@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # Tries ./test.sh and ./run.sh --screenshot in a fresh Debian 12 with nothing else in it, on the commit of this
 # checkout. As root, with debootstrap; downloads some hundreds of MB and takes its time, so it is no part of .ci/run.
-#   tests/fresh-system.sh --base FOLDER   keeps the bare system in FOLDER, and starts from there the next time
+#   scripts/fresh-system.sh --base FOLDER   keeps the bare system in FOLDER, and starts from there the next time
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. tests/support/fresh-system.sh
+. scripts/fresh-system-functions.sh
 begin_fresh "$@"
 
 step "A fresh Debian 12"

@@ -76,7 +76,7 @@ QByteArray difference()
         QVERIFY2(different.isEmpty(), different);                                                                      \
     } while (false)
 
-class PassTest : public QObject
+class BlockedCurveTest : public QObject
 {
     Q_OBJECT
 
@@ -169,5 +169,5 @@ private slots:
     }
 };
 
-QTEST_APPLESS_MAIN(PassTest)
-#include "PassTest.moc"
+QTEST_APPLESS_MAIN(BlockedCurveTest)
+#include "BlockedCurveTest.moc"

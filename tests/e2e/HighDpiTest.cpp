@@ -2,7 +2,7 @@
 
 #include "tests/e2e/Rows.h"
 
-class ScalesTest : public QObject
+class HighDpiTest : public QObject
 {
     Q_OBJECT
 
@@ -49,5 +49,5 @@ private slots:
     }
 };
 
-PENDRIX_END_TO_END_MAIN(ScalesTest)
-#include "ScalesTest.moc"
+PENDRIX_END_TO_END_MAIN(HighDpiTest)
+#include "HighDpiTest.moc"

@@ -1,4 +1,4 @@
-#include "app/WindowLayout.h"
+#include "app/WindowStateCheck.h"
 
 #include <QDataStream>
 #include <QString>
@@ -55,7 +55,7 @@ private:
 
 } // namespace
 
-bool isMainWindowLayout(const QByteArray &state)
+bool isMainWindowStateCheck(const QByteArray &state)
 {
     struct Dock
     {

@@ -9,7 +9,7 @@
 
 Q_DECLARE_METATYPE(std::function<void(WId)>)
 
-class AnswersTest : public QObject
+class FileMenuTest : public QObject
 {
     Q_OBJECT
 
@@ -126,5 +126,5 @@ private slots:
     }
 };
 
-PENDRIX_END_TO_END_MAIN(AnswersTest)
-#include "AnswersTest.moc"
+PENDRIX_END_TO_END_MAIN(FileMenuTest)
+#include "FileMenuTest.moc"

@@ -2,10 +2,10 @@
 # Makes the packages of the commit of this checkout in a fresh Debian 12; builds the source package there on its own;
 # installs the Debian package in another fresh Debian 12 that has nothing else, uses it there and removes it again.
 # As root, with debootstrap; downloads some hundreds of MB and takes its time, so it is no part of .ci/run.
-#   tests/fresh-install.sh --base FOLDER   keeps the bare system in FOLDER, and starts from there the next time
+#   scripts/fresh-install.sh --base FOLDER   keeps the bare system in FOLDER, and starts from there the next time
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. tests/support/fresh-system.sh
+. scripts/fresh-system-functions.sh
 begin_fresh "$@"
 id=example.quillmoss.Pendrix3D
 SECONDS=0
@@ -23,7 +23,7 @@ step "A fresh Debian 12 makes the packages"
 make_system builder
 clone_into builder
 in_project() { in_system builder env --chdir=/root/pendrix3d "$@"; }
-. tools/packages.sh
+. scripts/packages.sh
 in_system builder apt-get -qq update
 install builder "${to_build[@]%%:*}" "${to_package[@]%%:*}"
 in_project cmake --preset release > /dev/null
@@ -70,7 +70,7 @@ in_system user desktop-file-validate "/usr/share/applications/$id.desktop"
 in_system user mandoc /usr/share/man/man1/pendrix3d.1.gz > "$scratch/manual"
 grep --quiet "curves of three pendulums" "$scratch/manual"
 cp "$built/tests/support/pendrix_find_icon" "$built/tests/support/pendrix_vivid_colors" \
-  "$built/tools/pendrix_screenshot" tools/on-virtual-display.sh "$scratch/user/root/"
+  "$built/tools/pendrix_screenshot" scripts/on-virtual-display.sh "$scratch/user/root/"
 icon=$(sed -n 's/^Icon=//p' "$scratch/user/usr/share/applications/$id.desktop")
 sizes=$(in_system user ./on-virtual-display.sh ./pendrix_find_icon "$icon" | sort --numeric-sort)
 printf 'The icon is found in the sizes %s.\n' "${sizes//$'\n'/, }"

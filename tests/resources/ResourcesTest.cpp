@@ -27,7 +27,7 @@ QByteArray contentOf(const QString &path)
 
 } // namespace
 
-class BundleTest : public QObject
+class ResourcesTest : public QObject
 {
     Q_OBJECT
 
@@ -108,5 +108,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(BundleTest)
-#include "BundleTest.moc"
+QTEST_GUILESS_MAIN(ResourcesTest)
+#include "ResourcesTest.moc"

@@ -18,7 +18,7 @@ char *toString(const OpenGLCall &call);
 
 /// Stands in for the OpenGL library in the programs that link it: the entry points record their calls and draw
 /// nothing. An entry point that is missing here is an error of the linker.
-namespace OpenGLStandIn {
+namespace FakeOpenGL {
 
 /// The calls since the last clear, in order.
 const QVector<OpenGLCall> &calls();
@@ -36,4 +36,4 @@ using Watcher = void (*)(const char *name, const double *arguments, std::size_t 
 /// Null ends that.
 void setWatcher(Watcher watcher);
 
-} // namespace OpenGLStandIn
+} // namespace FakeOpenGL

@@ -2,7 +2,7 @@
 
 #include "tests/e2e/Rows.h"
 
-class ExchangeTest : public QObject
+class ClipboardE2eTest : public QObject
 {
     Q_OBJECT
 
@@ -89,5 +89,5 @@ private slots:
     }
 };
 
-PENDRIX_END_TO_END_MAIN(ExchangeTest)
-#include "ExchangeTest.moc"
+PENDRIX_END_TO_END_MAIN(ClipboardE2eTest)
+#include "ClipboardE2eTest.moc"

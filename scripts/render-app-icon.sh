@@ -5,7 +5,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 id=example.quillmoss.Pendrix3D
 
 command -v rsvg-convert > /dev/null || {
-  echo "render-icon.sh: rsvg-convert is missing; install the Debian package librsvg2-bin" >&2
+  echo "render-app-icon.sh: rsvg-convert is missing; install the Debian package librsvg2-bin" >&2
   exit 1
 }
 cmake --preset release

@@ -2,7 +2,7 @@
 # Builds with g++ and with clang++, each without optimisation, with -O2 and with -O3 for this very processor, and with
 # g++ for 64-bit Arm, and fails unless all of them compute the same curves and colours, bit for bit. Then runs all tests
 # in each build; on Arm, which is emulated, those of the numbers.
-#   tests/every-build.sh [--digests-only] [BUILD ...]
+#   scripts/every-build.sh [--digests-only] [BUILD ...]
 # leaves out the tests, or takes some of the builds only: see `builds` below.
 set -euo pipefail
 builds=(g++-O0 g++-O2 g++-O3 clang++-O0 clang++-O2 clang++-O3 arm64)
@@ -13,14 +13,14 @@ if [ "${1-}" = --digests-only ]; then
 fi
 for build in "$@"; do
   if [[ " ${builds[*]} " != *" $build "* ]]; then
-    echo "usage: tests/every-build.sh [--digests-only] [BUILD ...], where a BUILD is one of ${builds[*]}" >&2
+    echo "usage: scripts/every-build.sh [--digests-only] [BUILD ...], where a BUILD is one of ${builds[*]}" >&2
     exit 2
   fi
 done
 [ $# -eq 0 ] || builds=("$@")
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. tools/packages.sh
+. scripts/packages.sh
 install_missing "${to_build[@]}" "${to_check[@]}"
 
 folder=$PWD/build/every

@@ -3,10 +3,10 @@
 # and fails if memcheck finds an error or a block that is definitely lost. Takes a few minutes, and is no part of .ci/run.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. tools/packages.sh
+. scripts/packages.sh
 install_missing "${to_build[@]}" "${to_check_memory[@]}"
 cmake --preset debug
 cmake --build --preset debug --target pendrix3d pendrix_screenshot
-tools/on-virtual-display.sh build/debug/tools/pendrix_screenshot \
+scripts/on-virtual-display.sh build/debug/tools/pendrix_screenshot \
   tests/memcheck/program.sh build/debug/memcheck.png tests/memcheck/use.sh
 echo "Memcheck has found nothing. The window at the end: build/debug/memcheck.png"

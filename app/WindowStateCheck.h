@@ -6,4 +6,4 @@
 /// and its toolbar in any area; sizes, positions and what is shown may have any values.
 ///
 /// The toolkit takes areas and counts from the bytes as they are, and damaged ones end or hang the program.
-bool isMainWindowLayout(const QByteArray &state);
+bool isMainWindowStateCheck(const QByteArray &state);

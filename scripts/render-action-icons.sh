@@ -3,7 +3,7 @@
 # fifteen 32x32 PNG files, and clippaste.ico with one 32x32 bitmap.
 set -euo pipefail
 
-here=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd)
+here=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../resources" && pwd)
 sources=$here/icon-sources
 icons=$here/Tessera/rsc/icons
 
@@ -12,7 +12,7 @@ pngs=(generate01 open add rand draw save clippaste01 export1 clipcopy01
 
 need() { # command, Debian package
   if ! command -v "$1" >/dev/null; then
-    echo "render-icons.sh: $1 is missing; install the Debian package $2" >&2
+    echo "render-action-icons.sh: $1 is missing; install the Debian package $2" >&2
     exit 1
   fi
 }
