@@ -7,7 +7,7 @@ check_cxx_compiler_flag(-ffile-prefix-map=a=b PENDRIX_MAPS_FILE_NAMES)
 # arithmetic as written: no product fused into an addition, no wider intermediate values, no algebra on floats.
 # The flags stand after the user's own, so that a -ffast-math from outside does not reach these targets, nor their
 # linking, where it would switch subnormal numbers off for the whole program;
-# color/FloatModel.h checks at compile time what the language lets it check, and its test what a compiler does.
+# numerics/FloatModel.h checks at compile time what the language lets it check, and its test what a compiler does.
 function(pendrix_target target)
   target_compile_features(${target} PUBLIC cxx_std_17)
   set_target_properties(${target} PROPERTIES

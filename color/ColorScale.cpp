@@ -1,6 +1,6 @@
 #include "color/ColorScale.h"
 
-#include "color/FloatModel.h"
+#include "numerics/FloatModel.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "engine/DampedSine.h"
 
-#include "color/FloatModel.h"
+#include "numerics/FloatModel.h"
 
 #include <algorithm>
 #include <array>

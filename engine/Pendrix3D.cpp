@@ -1,11 +1,11 @@
 #include "engine/Pendrix3D.h"
 
 #include "color/ColorScale.h"
-#include "color/FloatModel.h"
-#include "color/Truncate.h"
 #include "engine/DampedSine.h"
 #include "engine/PaletteEntry.h"
 #include "engine/Sequence.h"
+#include "numerics/FloatModel.h"
+#include "numerics/Truncate.h"
 
 #include <qopengl.h>
 

@@ -93,7 +93,7 @@ digest() {
 # run_tests BUILD: fails if one of them does.
 run_tests() {
   local selection=()
-  [ "$1" != arm64 ] || selection=(--tests-regex '^(color|engine)/')
+  [ "$1" != arm64 ] || selection=(--tests-regex '^(numerics|color|engine)/')
   if cmake --build "$folder/$1" > "$folder/$1.tests" &&
     ctest --test-dir "$folder/$1" --output-on-failure --no-tests=error "${selection[@]}" > "$folder/$1.tests"; then
     tail --lines=4 "$folder/$1.tests"

@@ -1,7 +1,7 @@
 #include "view/Renderer.h"
 
-#include "color/FloatModel.h"
-#include "color/Truncate.h"
+#include "numerics/FloatModel.h"
+#include "numerics/Truncate.h"
 
 #include <QMouseEvent>
 #include <QTimer>

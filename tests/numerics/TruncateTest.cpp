@@ -1,4 +1,4 @@
-#include "color/Truncate.h"
+#include "numerics/Truncate.h"
 
 #include <QtTest>
 

@@ -1,6 +1,6 @@
 // What the build's flags must make of floating-point code: each operation rounded once, to the type that is written.
 
-#include "color/FloatModel.h"
+#include "numerics/FloatModel.h"
 
 #include <QtTest>
 
