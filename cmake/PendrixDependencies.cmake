@@ -1,8 +1,7 @@
 # Qt 5 and OpenGL.
 #
-# CMake shows imported targets only to the folder that found them and to those below it. A project that adds this one
-# links our libraries from above, and needs to see what they link: so what is found here is made global. What that
-# project found itself belongs to it and is left alone.
+# An imported target is visible only in the folder that finds it and below. Host projects link these libraries from the
+# parent folder, so targets found here are made global. Targets that the host has found already stay as they are.
 set(PENDRIX_IMPORTED
   Qt5::Core Qt5::Gui Qt5::Widgets Qt5::qmake Qt5::moc Qt5::rcc Qt5::uic
   OpenGL::OpenGL OpenGL::GLX OpenGL::GL)

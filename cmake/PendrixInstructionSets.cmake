@@ -1,7 +1,7 @@
-# Code that is compiled several times, for processors of different abilities. The program asks at run time which of
-# them it may use; whatever is compiled here must not share an inline function with the rest.
+# Code that is compiled once per instruction set; the program selects one at run time. Such code must not share inline
+# functions with the rest of the program.
 
-# The sets there are for this compiler and processor: Baseline is what the whole build is for.
+# Instruction sets of this compiler and processor. Baseline is the target of the whole build.
 set(PENDRIX_INSTRUCTION_SETS)
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
   list(APPEND PENDRIX_INSTRUCTION_SETS Baseline)
@@ -14,7 +14,7 @@ set(PENDRIX_FLAGS_Avx2 -mavx2 -mfma -ffp-contract=fast)
 set(PENDRIX_FLAGS_Avx512
   -mavx512f -mavx512dq -mavx512vl -mfma -mprefer-vector-width=512 -ffp-contract=fast)
 
-# pendrix_for_instruction_set(TARGET SET SOURCE ...): the sources as an object library for one of the sets.
+# pendrix_for_instruction_set(TARGET SET SOURCE ...): compiles the sources to an object library for one instruction set.
 function(pendrix_for_instruction_set target set)
   add_library(${target} OBJECT ${ARGN})
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
