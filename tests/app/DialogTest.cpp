@@ -167,8 +167,8 @@ private slots:
             QVERIFY(Qt::mightBeRichText(box.text()));
             const auto *label = box.findChild<QLabel *>("qt_msgbox_label");
             QVERIFY(label && label->textFormat() == Qt::AutoText);
-            // The whole page is to be seen on a small screen.
-            QVERIFY2(box.width() <= 1000 && box.height() <= 720,
+            // The box fits on small screens.
+            QVERIFY2(box.width() <= 600 && box.height() <= 800,
                      QByteArray::number(box.width()) + " x " + QByteArray::number(box.height()));
             const QString picture = qEnvironmentVariable("PENDRIX_ABOUT_PICTURE");
             if (!picture.isEmpty())
@@ -180,7 +180,6 @@ private slots:
     void thePage()
     {
         const QString page = window->readTextFile(":/about.html");
-        QVERIFY2(page.size() > 4200 && page.size() < 4600, QByteArray::number(page.size()));
         QVERIFY(page.startsWith("<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.0 Transitional//EN\""));
         QVERIFY(page.contains("charset=utf-8"));
         QVERIFY(page.contains("<body bgcolor=\"#d3d3d3\">"));
@@ -195,10 +194,10 @@ private slots:
             "format. </p>"));
         QVERIFY(
             plain.contains("<p align=\"left\" style=\"text-align: left\"> Reset copies original preset values. </p>"));
-        QVERIFY(plain.contains("</table> <h2>The pendulum drawing machine</h2> <table"));
+        QVERIFY(plain.contains("values. </p> <h2>The pendulum drawing machine</h2> <p"));
         QVERIFY(plain.contains("href=\"https://quillmoss.example/\""));
         QVERIFY(plain.contains("href=\"mailto:pendrix@quillmoss.example\""));
-        QVERIFY(plain.contains("It is built with the <a href=\"https://www.qt.io/\">Qt</a> toolkit."));
+        QVERIFY(plain.contains("It is built with the <a href=\"https://www.qt.io/\">Qt</a> framework."));
     }
 
     void textFiles()
