@@ -155,7 +155,7 @@ float *OpenGL::polygon(int n, float r, float z)
 float *OpenGL::grid(int rows, int cols, float size)
 {
     if (rows < 1 || cols < 1)
-        return new float[0];
+        return newFloats(0, 1);
     float *const lattice = newFloats(rows, 2 * static_cast<std::size_t>(cols));
     float *next = lattice;
     for (int i = 0; i < rows; ++i) {
