@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Runs a command on a virtual X display of its own with software OpenGL: on-virtual-display.sh COMMAND [ARGUMENT ...]
-# The command has a settings folder of its own, too, so that the user's is left alone. Ends with its exit status.
-# VIRTUAL_SCREEN is the size of the display in pixels, 1280x1024 unless given.
+# Runs a command on a virtual X display with software OpenGL: on-virtual-display.sh COMMAND [ARGUMENT ...]
+# Settings and caches go to temporary folders, never to the user's. Exits with the status of the command.
+# VIRTUAL_SCREEN is the size of the display in pixels, 1280x1024 by default.
 set -euo pipefail
 
 scratch=$(mktemp --directory)
@@ -9,21 +9,25 @@ Xvfb -displayfd 3 -screen 0 "${VIRTUAL_SCREEN:-1280x1024}x24" -nolisten tcp 3> "
 server=$!
 trap 'kill "$server" 2> /dev/null || :; wait "$server" 2> /dev/null || :; rm -rf "$scratch"' EXIT
 
-# Once it can be used, the server writes the number of the free display that it took.
+# The server writes the number of its display once it accepts connections.
 for _ in {1..400}; do
   [ ! -s "$scratch/display" ] || break
   kill -0 "$server" 2> /dev/null || break
   sleep 0.05
 done
 if [ ! -s "$scratch/display" ]; then
-  echo "The virtual display did not start:" >&2
+  echo "on-virtual-display.sh: the virtual display did not start:" >&2
   cat "$scratch/messages" >&2
   exit 1
 fi
 
 DISPLAY=:$(< "$scratch/display")
-export DISPLAY LIBGL_ALWAYS_SOFTWARE=1 QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR=$scratch XDG_CONFIG_HOME=$scratch/settings
+export DISPLAY LIBGL_ALWAYS_SOFTWARE=1 QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR=$scratch
+export XDG_CONFIG_HOME=$scratch/settings XDG_CACHE_HOME=$scratch/cache
+# Mesa reports a cache folder that it cannot create, for example after a change of the user id.
+export MESA_SHADER_CACHE_DISABLE=true
 unset WAYLAND_DISPLAY XAUTHORITY
-# The look is the toolkit's own, whatever the desktop.
+# The same look on every system: Qt's own style, and a fixed font resolution. Qt's versions derive different ones.
+export QT_FONT_DPI=100
 unset QT_QPA_PLATFORMTHEME QT_STYLE_OVERRIDE XDG_CURRENT_DESKTOP
 "$@"
