@@ -21,7 +21,7 @@ done
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/packages.sh
-install_missing "${to_build[@]}" "${to_check[@]}"
+install_missing "${to_build[@]}" "${to_test[@]}" "${to_check[@]}"
 
 folder=$PWD/build/every
 sysroot=$folder/arm64-sysroot

@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/packages.sh
-install_missing "${to_build[@]}" "${to_check_memory[@]}"
+install_missing "${to_build[@]}" "${to_test[@]}" "${to_check_memory[@]}"
 cmake --preset debug
 cmake --build --preset debug --target pendrix3d pendrix_screenshot
 scripts/on-virtual-display.sh build/debug/tools/pendrix_screenshot \

@@ -1,8 +1,9 @@
 # shellcheck shell=bash
-# Sourced by the scripts: installs what they need on Debian, elsewhere says what is missing.
+# Sourced by the scripts: lists of Debian packages, and install_missing, which installs them.
 
-# A requirement is Debian's package and, after a colon, the probe that tells on a system without dpkg.
-# shellcheck disable=SC2034 # used by those who source this file
+# Each entry is a Debian package and, after a colon, a probe for systems without dpkg.
+# To build and run the program, with or without a display.
+# shellcheck disable=SC2034 # used by the scripts
 to_build=(
   "g++:program c++"
   "cmake:program cmake"
@@ -10,14 +11,19 @@ to_build=(
   "qtbase5-dev:modules Qt5Widgets Qt5Test"
   "libgl-dev:modules gl"
   "libx11-dev:modules x11"
-  "libxres-dev:modules xres"
   "libgl1-mesa-dri:nothing"
   "fonts-dejavu-core:nothing"
   "xvfb:program Xvfb"
+)
+
+# shellcheck disable=SC2034
+to_test=(
+  "libxres-dev:modules xres"
   "xclip:program xclip"
   "xdotool:program xdotool"
   "openbox:program openbox"
 )
+
 # shellcheck disable=SC2034
 to_check=(
   "desktop-file-utils:program desktop-file-validate"
@@ -56,39 +62,63 @@ to_package=(
   "file:program file"
 )
 
-# install_missing REQUIREMENT ...: makes them present, or stops the script with a word on what is missing.
-install_missing() {
-  local requirement missing=()
-  for requirement in "$@"; do
-    is_present "$requirement" || missing+=("${requirement%%:*}")
-  done
-  [ ${#missing[@]} -gt 0 ] || return 0
-
-  if ! command -v apt-get > /dev/null; then
-    echo "Missing, by Debian's names: ${missing[*]}" >&2
-    echo "There is no apt-get on this system. Please install them by its own means and start again." >&2
-    exit 1
-  fi
-  local as_root=()
-  if [ "$(id -u)" -ne 0 ]; then
-    if ! command -v sudo > /dev/null; then
-      echo "Missing: ${missing[*]}" >&2
-      echo "Only root can install them, and there is no sudo. Please have them installed and start again." >&2
-      exit 1
-    fi
-    as_root=(sudo)
-  fi
-  echo "Installing ${missing[*]}"
-  "${as_root[@]}" apt-get -qq update
-  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-    apt-get -qq -o Dpkg::Use-Pty=0 install --yes --no-install-recommends "${missing[@]}" > /dev/null
+# fail PROBLEM: prints it as an error of the script and exits.
+fail() {
+  printf '%s: %s\n' "${0##*/}" "$*" >&2
+  exit 1
 }
 
+# install_missing ENTRY ...: installs the packages that are missing; exits with a message if that is impossible.
+install_missing() {
+  local entry packages=() as_root=() output
+  check_cmake
+  for entry in "$@"; do
+    is_present "$entry" || packages+=("${entry%%:*}")
+  done
+  [ ${#packages[@]} -gt 0 ] || return 0
+
+  command -v apt-get > /dev/null ||
+    fail "packages are missing, and there is no apt-get to install them. Their names in Debian: ${packages[*]}"
+  local install=(install --yes --no-install-recommends "${packages[@]}")
+  if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo > /dev/null ||
+      fail "packages are missing, and only root can install them. Ask an administrator to run:"$'\n'"apt-get ${install[*]}"
+    as_root=(sudo)
+  fi
+  apt_get update
+  check_cmake
+  apt_get --simulate "${install[@]}"
+  echo "Installing $(grep --count '^Inst ' <<< "$output") packages, which can take several minutes."
+  apt_get "${install[@]}"
+}
+
+# apt_get ARGUMENT ...: runs apt-get for install_missing, and shows its output only if it fails.
+apt_get() {
+  output=$("${as_root[@]}" env LC_ALL=C DEBIAN_FRONTEND=noninteractive apt-get --option Dpkg::Use-Pty=0 "$@" 2>&1) || {
+    printf '%s\n' "$output" >&2
+    fail "this command failed: apt-get $*"
+  }
+}
+
+# Exits with a message if the installed CMake, or else the one that apt offers, is too old for the presets.
+check_cmake() {
+  local required found found_by
+  required=$(sed -En 's/.*"cmakeMinimumRequired".*"major": ([0-9]+), "minor": ([0-9]+).*/\1.\2/p' CMakePresets.json)
+  if command -v cmake > /dev/null; then
+    found=$(cmake --version | sed -En '1s/^cmake version //p')
+    found_by="is installed"
+  elif command -v apt-cache > /dev/null; then
+    found=$(LC_ALL=C apt-cache policy cmake | sed -En 's/^ *Candidate: ([0-9.]+).*/\1/p')
+    found_by="is what apt offers"
+  fi
+  [ -z "${found-}" ] || printf '%s\n' "$required" "$found" | sort --check=quiet --version-sort ||
+    fail "CMake is too old: $required or newer is required, and $found $found_by."
+}
+
+# The probes of the lists.
 probe_program() { command -v "$1"; }
-
-# Without pkg-config nothing can be said, and CMake will tell.
+# Without pkg-config, assumes that the modules are present; otherwise CMake reports them.
 probe_modules() { ! command -v pkg-config || pkg-config --exists "$@"; }
-
 probe_nothing() { :; }
 
 is_present() {
