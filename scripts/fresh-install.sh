@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Makes the packages of the commit of this checkout in a fresh Debian 12; builds the source package there on its own;
-# installs the Debian package in another fresh Debian 12 that has nothing else, uses it there and removes it again.
-# As root, with debootstrap; downloads some hundreds of MB and takes its time, so it is no part of .ci/run.
-#   scripts/fresh-install.sh --base FOLDER   keeps the bare system in FOLDER, and starts from there the next time
+# Tests the packages of the current commit in bare Debian systems: builds them and the source package in one, installs,
+# uses and removes the Debian package in another. Requires root and debootstrap, downloads some hundreds of MB.
+#   scripts/fresh-install.sh [--base FOLDER] [--allow-expired] [SUITE]
+# SUITE is bookworm by default. --base keeps the bare system in FOLDER for the next run.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/fresh-system-functions.sh
@@ -10,16 +10,16 @@ begin_fresh "$@"
 id=example.quillmoss.Pendrix3D
 SECONDS=0
 
-# install NAME PACKAGE ...: in the system NAME, with what they depend on and no more.
+# install NAME PACKAGE ...: installs packages and their dependencies in the system NAME.
 install() {
-  in_system "$1" apt-get -qq -o Dpkg::Use-Pty=0 install --yes --no-install-recommends "${@:2}" > "$scratch/apt.log" 2>&1 ||
+  in_system "$1" env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 install --yes --no-install-recommends "${@:2}" > "$scratch/apt.log" 2>&1 ||
     { cat "$scratch/apt.log" >&2; return 1; }
 }
 
-# is_there FILE: in the system of the user, as a file that is not empty.
-is_there() { [ -s "$scratch/user$1" ] || { echo "$1 is missing" >&2; return 1; }; }
+# check_file FILE: fails unless the user's system has the file and it is not empty.
+check_file() { [ -s "$scratch/user$1" ] || { echo "$1 is missing" >&2; return 1; }; }
 
-step "A fresh Debian 12 makes the packages"
+step "A bare Debian builds the packages: $suite"
 make_system builder
 clone_into builder
 in_project() { in_system builder env --chdir=/root/pendrix3d "$@"; }
@@ -33,11 +33,11 @@ in_project env --chdir=build/release cpack --config CPackSourceConfig.cmake
 
 step "lintian"
 install builder lintian
-# It waits for the report of a bug that asks for the program in Debian.
+# The suppressed tag requires the number of a bug report in Debian.
 in_project bash -c 'lintian --fail-on error,warning --suppress-tags initial-upload-closes-no-bugs build/release/*.deb'
 
-step "The source package builds on its own, and its numbers hold"
-mv "$scratch/builder/root/pendrix3d" "$scratch/checkout" # nothing can be taken from there
+step "The source package builds, and its tests of colours and curves pass"
+mv "$scratch/builder/root/pendrix3d" "$scratch/checkout" # so that the build cannot use it
 built=$scratch/checkout/build/release
 mkdir "$scratch/builder/root/source"
 tar --extract --file="$(echo "$built"/pendrix3d-*.tar.xz)" --directory="$scratch/builder/root/source" --strip-components=1
@@ -46,14 +46,14 @@ in_source cmake --preset release > /dev/null
 in_source cmake --build --preset release --target pendrix3d tests/color/all tests/engine/all > /dev/null
 in_source ctest --preset release --tests-regex '^(color|engine)/'
 
-step "A fresh Debian 12 installs the package"
+step "A bare Debian installs the package"
 make_system user
 cp "$built"/pendrix3d_*.deb "$scratch/user/root/pendrix3d.deb"
 in_system user apt-get -qq update
 before=$(in_system user dpkg-query --show | wc -l)
 install user /root/pendrix3d.deb
 after=$(in_system user dpkg-query --show | wc -l)
-echo "It came with $((after - before - 1)) packages that it depends on."
+echo "It has $((after - before - 1)) dependencies that were not installed."
 in_system user dpkg --verify pendrix3d
 in_system user bash -c "ldd /usr/bin/pendrix3d /usr/lib/*/qt5/plugins/platforms/libqxcb.so" > "$scratch/libraries"
 if grep "not found" "$scratch/libraries"; then
@@ -61,10 +61,10 @@ if grep "not found" "$scratch/libraries"; then
 fi
 
 step "Menu entry, icon, manual page"
-is_there "/usr/share/applications/$id.desktop"
-is_there "/usr/share/metainfo/$id.metainfo.xml"
-is_there /usr/share/man/man1/pendrix3d.1.gz
-# What the test itself needs.
+check_file "/usr/share/applications/$id.desktop"
+check_file "/usr/share/metainfo/$id.metainfo.xml"
+check_file /usr/share/man/man1/pendrix3d.1.gz
+# Packages for the following checks only.
 install user desktop-file-utils hicolor-icon-theme mandoc xvfb
 in_system user desktop-file-validate "/usr/share/applications/$id.desktop"
 in_system user mandoc /usr/share/man/man1/pendrix3d.1.gz > "$scratch/manual"
@@ -73,19 +73,18 @@ cp "$built/tests/support/pendrix_find_icon" "$built/tests/support/pendrix_vivid_
   "$built/tools/pendrix_screenshot" scripts/on-virtual-display.sh "$scratch/user/root/"
 icon=$(sed -n 's/^Icon=//p' "$scratch/user/usr/share/applications/$id.desktop")
 sizes=$(in_system user ./on-virtual-display.sh ./pendrix_find_icon "$icon" | sort --numeric-sort)
-printf 'The icon is found in the sizes %s.\n' "${sizes//$'\n'/, }"
+printf 'Sizes of the icon: %s.\n' "${sizes//$'\n'/, }"
 
 step "The program starts"
 program=$(sed -n 's/^Exec=//p' "$scratch/user/usr/share/applications/$id.desktop")
 in_system user ./on-virtual-display.sh ./pendrix_screenshot "$program" /root/screenshot.png
 colors=$(in_system user ./pendrix_vivid_colors screenshot.png)
-[ "$colors" -ge 100 ] || { echo "The picture is blank: $colors vivid colours." >&2; exit 1; }
-echo "The picture has $colors vivid colours."
+[ "$colors" -ge 100 ] || { echo "The screenshot is blank: $colors vivid colours." >&2; exit 1; }
+echo "The screenshot has $colors vivid colours."
 
 step "The package is removed"
-in_system user apt-get -qq -o Dpkg::Use-Pty=0 purge --yes pendrix3d > /dev/null
+in_system user env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 purge --yes pendrix3d > /dev/null
 rm -r "$scratch/user/root"
-# Of all files, only the tools' own records of what they did may speak of it.
 left=$(find "$scratch/user" -xdev \( -iname '*pendrix*' -o -iname '*quillmoss*' \))
 [ -z "$left" ] || { printf 'Left over: %s\n' "$left" >&2; exit 1; }
 

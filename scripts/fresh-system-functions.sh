@@ -1,26 +1,35 @@
 # shellcheck shell=bash
-# Sourced by the scripts that try the project in a Debian 12 system with nothing else in it. They run as root.
+# Sourced by the scripts that test the project in a bare Debian system. They run as root.
 
-# Both are set by begin_fresh: the folder that everything is made in and that goes at the end, and the base system.
+# Set by begin_fresh: the temporary folder, the folder of the base system or nothing, the Debian suite, and `yes` if the
+# archive may have expired.
 scratch=
 base=
+suite=bookworm
+allow_expired=
 current="the start"
 
-# begin_fresh [--base FOLDER]: reads the arguments of the script and makes `scratch`. At the end of the script, however
-# that comes, the folder is removed and the outcome is said.
+# begin_fresh [--base FOLDER] [--allow-expired] [SUITE]: parses the arguments of the script and creates `scratch`. When
+# the script exits, the folder is removed, and a failure is reported.
 begin_fresh() {
-  case "$#:${1-}" in
-    0:) ;;
-    2:--base) base=$(realpath --canonicalize-missing "$2") ;;
-    *) echo "usage: $0 [--base FOLDER]" >&2; exit 2 ;;
-  esac
+  while [ $# -gt 0 ]; do
+    case "$#:$1" in
+      1:--base) break ;;
+      *:--base) base=$(realpath --canonicalize-missing "$2"); shift ;;
+      *:--allow-expired) allow_expired=yes ;;
+      1:[a-z]*) suite=$1 ;;
+      *) break ;;
+    esac
+    shift
+  done
+  [ $# -eq 0 ] || { echo "usage: $0 [--base FOLDER] [--allow-expired] [SUITE]" >&2; exit 2; }
   if [ "$(id -u)" -ne 0 ]; then
-    echo "Only root can make a system in a folder." >&2
+    echo "${0##*/}: only root can make a system in a folder" >&2
     exit 1
   fi
   local program
   for program in debootstrap unshare git; do
-    command -v "$program" > /dev/null || { echo "Missing: $program" >&2; exit 1; }
+    command -v "$program" > /dev/null || { echo "${0##*/}: missing program: $program" >&2; exit 1; }
   done
   scratch=$(mktemp --directory)
   trap end_fresh EXIT
@@ -29,54 +38,60 @@ begin_fresh() {
 
 end_fresh() {
   local status=$?
-  # Nothing is ever mounted there but in namespaces that are gone by now; in doubt, leave other file systems alone.
+  # All mounts were in namespaces that no longer exist; --one-file-system is a second safeguard.
   rm --recursive --force --one-file-system "$scratch"
   [ "$status" -eq 0 ] || printf '\n%s: FAILED at: %s\n' "${0##*/}" "$current" >&2
 }
 
-# step WHAT: says what comes now.
+# step TITLE: begins a step and prints its title.
 step() {
   current=$*
   printf '\n==> %s\n' "$current"
 }
 
-# bootstrap FOLDER: a minimal Debian 12, by debootstrap, from the mirror that it takes by itself.
+# bootstrap FOLDER: makes a minimal system of the suite with debootstrap, from its default mirror. Fails if the archive's
+# signature cannot be verified: an older Debian may require a newer debian-archive-keyring.
 bootstrap() {
-  # What debootstrap mounts on the way vanishes with its namespace, even if it is stopped.
+  # The namespace also removes the mounts of an interrupted debootstrap.
   unshare --mount --pid --fork --kill-child \
-    debootstrap --variant=minbase bookworm "$1" > "$scratch/debootstrap.log" 2>&1 < /dev/null ||
+    debootstrap --force-check-gpg --variant=minbase "$suite" "$1" > "$scratch/debootstrap.log" 2>&1 < /dev/null ||
     { tail --lines=20 "$scratch/debootstrap.log" >&2; return 1; }
 }
 
-# make_system NAME: a fresh system in the folder NAME of `scratch`; a copy of the base, if the user keeps one.
+# make_system NAME: makes a bare system in the folder NAME of `scratch`, or copies it from the base.
 make_system() {
   if [ -z "$base" ]; then
     bootstrap "$scratch/$1"
-    return
+  else
+    if [ ! -e "$base" ]; then
+      rm --recursive --force --one-file-system "$base.part" # from an interrupted run
+      bootstrap "$base.part"
+      mv "$base.part" "$base"
+    fi
+    grep --quiet --word-regexp "$suite" "$base/etc/apt/sources.list" ||
+      { echo "${0##*/}: not a Debian system of the suite $suite: $base" >&2; exit 1; }
+    cp --archive "$base" "$scratch/$1"
   fi
-  if [ ! -e "$base" ]; then
-    rm --recursive --force --one-file-system "$base.part" # of a script that was stopped
-    bootstrap "$base.part"
-    mv "$base.part" "$base"
+  if [ -n "$allow_expired" ]; then
+    echo "apt accepts an expired archive; it still verifies the signatures."
+    echo 'Acquire::Check-Valid-Until "false";' > "$scratch/$1/etc/apt/apt.conf.d/allow-expired"
   fi
-  [ -e "$base/etc/debian_version" ] || { echo "There is no Debian system in $base." >&2; exit 1; }
-  cp --archive "$base" "$scratch/$1"
 }
 
-# in_system NAME COMMAND [ARGUMENT ...]: runs a command there, as root, in root's home. Its processes and what it mounts
+# in_system NAME COMMAND [ARGUMENT ...]: runs a command in the system as root, in root's home. Its processes and mounts
 # end with it.
 in_system() {
   local root=$scratch/$1
   shift
   unshare --mount --pid --fork --kill-child --root="$root" --mount-proc --wd=/root \
     /usr/bin/env --ignore-environment HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin TERM=dumb LANG=C.UTF-8 \
-    DEBIAN_FRONTEND=noninteractive "$@" < /dev/null
+    "$@" < /dev/null
 }
 
-# clone_into NAME: the commit of this checkout, as pendrix3d in root's home there.
+# clone_into NAME: clones the current commit to pendrix3d in root's home in the system.
 clone_into() {
   local checkout
   checkout=$(git rev-parse --show-toplevel)
-  [ -z "$(git status --porcelain)" ] || echo "What is not committed does not take part."
+  [ -z "$(git status --porcelain)" ] || echo "Uncommitted changes are ignored."
   git clone --quiet --no-local "$checkout" "$scratch/$1/root/pendrix3d"
 }

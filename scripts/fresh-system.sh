@@ -1,28 +1,106 @@
 #!/usr/bin/env bash
-# Tries ./test.sh and ./run.sh --screenshot in a fresh Debian 12 with nothing else in it, on the commit of this
-# checkout. As root, with debootstrap; downloads some hundreds of MB and takes its time, so it is no part of .ci/run.
-#   scripts/fresh-system.sh --base FOLDER   keeps the bare system in FOLDER, and starts from there the next time
+# Tests ./run.sh --screenshot and ./test.sh of the current commit in a bare Debian system. Reports their times and the
+# number of tests; fails on any warning. Requires root and debootstrap, downloads some hundreds of MB.
+#   scripts/fresh-system.sh [--base FOLDER] [--allow-expired] [SUITE]
+# SUITE is bookworm (the default), trixie, sid, or bullseye, whose CMake is too old: there the commands must report that
+# without installing anything, and a build without presets must succeed.
+# --base keeps the bare system in FOLDER for the next run. --allow-expired accepts an archive that is no longer updated,
+# such as a snapshot of unstable.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/fresh-system-functions.sh
 begin_fresh "$@"
+log=$scratch/log
 
-step "A fresh Debian 12"
+in_project() { in_system debian env --chdir=/root/pendrix3d "$@"; }
+packages() { in_system debian dpkg-query --show; }
+
+# measure COMMAND ...: runs it in the project; prints its output, copies it to `log`, and sets `took`, its times.
+measure() {
+  local TIMEFORMAT="%R %U %S"
+  { time in_project "$@" 2>&1; } 2> "$scratch/time" | tee "$log"
+  took=$(awk '{ printf "%.0f s, processor time %.0f s", $1, $2 + $3 }' "$scratch/time")
+}
+
+# check_warnings FILE: fails if compiler, linker, CMake or apt printed a warning there.
+check_warnings() {
+  if grep --extended-regexp --ignore-case 'warning:|^CMake.* warning' "$1"; then
+    echo "The above warnings were printed by $current." >&2
+    exit 1
+  fi
+}
+
+# check_failure EXPECTED COMMAND ...: fails unless the command fails in the project, prints EXPECTED, a regular
+# expression, and installs nothing.
+check_failure() {
+  local before
+  before=$(packages)
+  if in_project "${@:2}" > "$log" 2>&1; then
+    cat "$log"
+    echo "The command succeeded: ${*:2}" >&2
+    exit 1
+  fi
+  cat "$log"
+  grep --quiet --extended-regexp "$1" "$log"
+  [ "$before" = "$(packages)" ] || { echo "The command has installed packages: ${*:2}" >&2; exit 1; }
+}
+
+# check_screenshot FILE: fails if a picture in root's home is blank; sets `colors`, its number of vivid colours.
+check_screenshot() {
+  colors=$(in_project build/release/tests/support/pendrix_vivid_colors "/root/$1")
+  [ "$colors" -ge 100 ] || { echo "The screenshot is blank: $colors vivid colours." >&2; exit 1; }
+}
+
+step "A bare Debian: $suite"
 make_system debian
 clone_into debian
-in_project() { in_system debian env --chdir=/root/pendrix3d "$@"; }
 
-step "./test.sh"
-SECONDS=0
-in_project ./test.sh
-tested=$SECONDS
+if [ "$suite" = bullseye ]; then
+  for command in ./run.sh ./test.sh; do
+    step "$command"
+    check_failure 'CMake is too old: 3\.21 or newer is required, and apt offers 3\.18\.4' "$command"
+  done
+  step "A build without presets"
+  . scripts/packages.sh
+  in_system debian apt-get -qq update
+  in_system debian env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 \
+    install --yes --no-install-recommends "${to_build[@]%%:*}" > "$log" 2>&1 || { cat "$log" >&2; exit 1; }
+  check_failure 'CMake is too old: 3\.21 or newer is required, and the installed version is 3\.18\.4' ./run.sh
+  measure cmake -G Ninja -S . -B build/release -DCMAKE_BUILD_TYPE=Release
+  check_warnings "$log"
+  measure cmake --build build/release --target pendrix3d pendrix_screenshot pendrix_vivid_colors
+  check_warnings "$log"
+  in_project scripts/on-virtual-display.sh build/release/tools/pendrix_screenshot build/release/pendrix3d /root/plain.png
+  check_screenshot plain.png
+  printf '\nFresh system, %s: passed. The build took %s.\n' "$suite" "$took"
+  exit
+fi
+
+step "./run.sh without root and sudo"
+chmod o+x "$scratch/debian/root"
+check_failure '^apt-get install .*qtbase5-dev' setpriv --reuid=65534 --regid=65534 --clear-groups ./run.sh
 
 step "./run.sh --screenshot"
-SECONDS=0
-in_project ./run.sh --screenshot /root/screenshot.png
-shown=$SECONDS
-colors=$(in_project build/release/tests/support/pendrix_vivid_colors /root/screenshot.png)
-[ "$colors" -ge 100 ] || { echo "The picture is blank: $colors vivid colours." >&2; exit 1; }
+measure ./run.sh --screenshot /root/screenshot.png
+run_took=$took
+check_warnings "$log"
+if grep --ignore-case 'test\|benchmark\|wayland\|debconf\|invoke-rc' "$log"; then
+  echo "The above lines do not concern a user of the program." >&2
+  exit 1
+fi
 
-printf '\nFresh system: passed. ./test.sh took %d s, ./run.sh %d s; its picture has %d vivid colours.\n' \
-  "$tested" "$shown" "$colors"
+step "./test.sh"
+measure ./test.sh
+test_took=$took
+check_warnings "$log"
+check_warnings "$scratch/debian/root/pendrix3d/build/release/Testing/Temporary/LastTest.log"
+tests=$(sed -n 's/^100% tests passed, 0 tests failed out of //p' "$log")
+check_screenshot screenshot.png
+for folder in .cache .config .local; do
+  [ ! -e "$scratch/debian/root/$folder" ] || { echo "The tests have written to ~/$folder." >&2; exit 1; }
+done
+
+printf '\nFresh system, %s of %s: passed, without warnings.\n' \
+  "$suite" "$(sed -n 's/^Date: //p' "$scratch"/debian/var/lib/apt/lists/*_dists_"$suite"_InRelease)"
+printf '%s: %s\n' "./run.sh --screenshot" "$run_took" "./test.sh, $tests tests" "$test_took" \
+  "Vivid colours of the screenshot" "$colors"

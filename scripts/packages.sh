@@ -106,13 +106,13 @@ check_cmake() {
   required=$(sed -En 's/.*"cmakeMinimumRequired".*"major": ([0-9]+), "minor": ([0-9]+).*/\1.\2/p' CMakePresets.json)
   if command -v cmake > /dev/null; then
     found=$(cmake --version | sed -En '1s/^cmake version //p')
-    found_by="is installed"
+    found_by="the installed version is"
   elif command -v apt-cache > /dev/null; then
     found=$(LC_ALL=C apt-cache policy cmake | sed -En 's/^ *Candidate: ([0-9.]+).*/\1/p')
-    found_by="is what apt offers"
+    found_by="apt offers"
   fi
   [ -z "${found-}" ] || printf '%s\n' "$required" "$found" | sort --check=quiet --version-sort ||
-    fail "CMake is too old: $required or newer is required, and $found $found_by."
+    fail "CMake is too old: $required or newer is required, and $found_by $found."
 }
 
 # The probes of the lists.

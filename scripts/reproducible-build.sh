@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the commit of this checkout twice, in folders of different names and with files of different ages, and tells
-# whether the same program and the same Debian package come out of both.
+# Builds the current commit twice, in folders of different names and with files of different ages. Fails unless the
+# programs and the Debian packages are identical.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/packages.sh
@@ -10,7 +10,7 @@ scratch=$(mktemp --directory)
 trap 'rm -rf "$scratch"' EXIT
 committed=$(git log --max-count=1 --format=%ct)
 
-# build FOLDER AGE: a clone there, its files last changed then, and the package made of it.
+# build FOLDER DATE: clones the commit to FOLDER of `scratch`, sets the dates of its files, and builds the package.
 build() {
   local folder=$scratch/$1
   git clone --quiet --no-local . "$folder"
@@ -18,7 +18,7 @@ build() {
   cmake -G Ninja -S "$folder" -B "$folder/build/release" \
     -DCMAKE_BUILD_TYPE=Release -DPENDRIX_BUILD_TESTS=OFF -DPENDRIX_BUILD_BENCHMARKS=OFF > /dev/null
   cmake --build "$folder/build/release" --target pendrix3d > /dev/null
-  # The program must come out the same by itself; only the package is dated by its commit.
+  # Only the package depends on SOURCE_DATE_EPOCH.
   (cd "$folder/build/release" && SOURCE_DATE_EPOCH=$committed cpack -G DEB > cpack.log 2>&1) || {
     cat "$folder/build/release/cpack.log" >&2
     return 1
@@ -31,4 +31,4 @@ for file in pendrix3d "pendrix3d_*.deb"; do
   # shellcheck disable=SC2086 # the version is left to the pattern
   cmp "$scratch"/one/build/release/$file "$scratch"/elsewhere/and/two/build/release/$file
 done
-echo "Both builds give the same program and the same package."
+echo "Both builds made the same program and the same package."
