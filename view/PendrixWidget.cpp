@@ -1,6 +1,7 @@
 #include "view/PendrixWidget.h"
 
 #include "engine/Pendrix3D.h"
+#include "view/Camera.h"
 
 PendrixWidget::PendrixWidget(QWidget *parent) : Renderer(parent) {}
 
@@ -12,5 +13,5 @@ void PendrixWidget::renderScene()
 
 void PendrixWidget::initScene()
 {
-    distance = -5.0F;
+    distance = Camera::curveDistance;
 }

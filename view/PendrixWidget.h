@@ -4,9 +4,9 @@
 
 /// The view of the curve: draws the global engine and advances its animation by one step with every paint.
 ///
-/// Holds nothing itself. A paint shows the curve that the paint before computed, so that the speed of the animation is
-/// the rate of the paints: 15 a second from the timer, and one more for each that a resize, an exposure or a drag
-/// causes. A view that is never shown never steps the engine.
+/// A paint shows the curve that the previous paint computed. The animation runs at the rate of the paints: 15 per
+/// second from the timer, plus one for each resize, exposure or drag. A view that is never shown never steps the
+/// engine.
 class PendrixWidget : public Renderer
 {
     Q_OBJECT

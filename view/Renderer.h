@@ -1,33 +1,32 @@
 #pragma once
 
+#include "view/Camera.h"
 #include "view/OpenGL.h"
 
 #include <QOpenGLWidget>
 #include <QPoint>
 
-/// An OpenGL view that draws at a fixed frame rate and that the user turns with the mouse.
+/// Base of an OpenGL view that draws at a fixed frame rate and that the user rotates with the mouse.
 ///
-/// Knows the perspective and the camera, not the scene: a subclass draws that in renderScene. The camera looks along
-/// the negative z axis at a scene that is turned by three angles and pushed away by `distance`.
-/// Angles are ints in 1/16 degree, 5760 to a full turn, kept in 0 to 5760.
-/// Dragging with the left button turns the scene about x and y, with the right button about x and z, by half a degree
-/// per pixel; with both, the left button's rule holds. The middle button does nothing.
+/// Sets up the perspective and the camera (view/Camera.h); a subclass draws the scene in renderScene. Angles are ints
+/// in 1/16 degree, kept in 0 to 5760. Dragging with the left button rotates the scene about x and y, with the right
+/// button about x and z, by half a degree per pixel; with both, the left button takes precedence. The middle button
+/// does nothing.
 class Renderer : public QOpenGLWidget, public OpenGL
 {
     Q_OBJECT
 
 public:
-    /// A view with all angles 0 and a frame timer of 15 frames per second, which runs from here on.
+    /// Creates a view with all angles 0 and starts a frame timer of 15 frames per second.
     explicit Renderer(QWidget *parent);
 
-    /// Adds the frame timer of 15 frames per second, as the constructor does.
+    /// Adds a frame timer of 15 frames per second, as the constructor does.
     void _init();
 
-    /// Adds a frame timer of `fps` frames per second; its interval is 1000 / `fps` in whole milliseconds, truncated.
+    /// Adds a frame timer of `fps` frames per second; its interval is 1000 / `fps` milliseconds, truncated.
     ///
     /// Timers of earlier calls keep running until the view is destroyed: the rates add up, which is intended.
-    /// With an `fps` of 0 the new timer stands still and the running ones go on; so it does when the interval is
-    /// negative or fits no int, as with an `fps` that is NaN or nearly 0.
+    /// The new timer stays stopped if `fps` is 0 or NaN, or if the interval is negative or does not fit an int.
     void setFPS(float fps);
 
     /// Multiplies a perspective onto the current matrix of the current context: a vertical field of view of `fovY`
@@ -37,7 +36,7 @@ public:
     /// Draws the scene. Called as the last step of every paint, with the context current.
     virtual void renderScene() = 0;
 
-    /// Sets the scene up, once, before the first paint, with the context current.
+    /// Sets up the scene. Called once, before the first paint, with the context current.
     virtual void initScene() = 0;
 
 signals:
@@ -50,17 +49,16 @@ signals:
     void doubleClicked(QMouseEvent *event);
 
 private slots:
-    /// Schedules a paint; several requests before it is done become one. Hides QWidget::repaint, which paints at once.
+    /// Schedules a paint; requests before that paint are merged into it. Hides QWidget::repaint, which paints at once.
     void repaint();
 
 public slots:
-    /// Turns the scene about the x axis to `angle`, in 1/16 degree.
-    /// The angle is first brought into 0 to 5760; a full turn stays 5760 and is not folded to 0.
-    /// Emits xRotationChanged with the stored value and schedules a paint, but only if the angle changed.
+    /// Sets the angle about the x, y or z axis to `angle`, in 1/16 degree.
+    ///
+    /// The angle is first normalised to 0 to 5760; a full turn stays 5760 and is not folded to 0. If it then differs
+    /// from the stored one, stores it, emits xRotationChanged (or the y or z signal) and schedules a paint.
     void setXRotation(int angle);
-    /// As setXRotation, about the y axis.
     void setYRotation(int angle);
-    /// As setXRotation, about the z axis.
     void setZRotation(int angle);
 
 protected:
@@ -76,10 +74,10 @@ protected:
     float spinAngle = 0.0F;
     /// When false, a paint sets up no camera and only calls renderScene.
     bool applyView = true;
-    /// Free for a subclass; the view does not read it.
+    /// Unused; free for a subclass.
     float spare = 0.0F;
-    /// Translation of the turned scene along z, in scene units; negative moves it away from the eye.
-    float distance = -6.0F;
+    /// Translation of the rotated scene along z, in scene units; negative moves it away from the eye.
+    float distance = Camera::defaultDistance;
     /// Position of the last press or move, in widget coordinates.
     QPoint lastPos;
     /// Angles about the axes, in 1/16 degree, 0 to 5760.
@@ -88,5 +86,5 @@ protected:
     int zRot = 0;
 
 private:
-    void turn(int &stored, qint64 angle, void (Renderer::*changed)(int));
+    void setAngle(int &stored, qint64 angle, void (Renderer::*changed)(int));
 };
