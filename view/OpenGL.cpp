@@ -1,6 +1,6 @@
 #include "view/OpenGL.h"
 
-#include "view/SetColor.h"
+#include "view/SendColor.h"
 
 #include <QtMath>
 
@@ -11,25 +11,15 @@
 #include <memory>
 #include <utility>
 
-// The interface hands arrays over as plain pointers, also those that are only read.
+// The interface passes arrays as pointers to non-const, even those that are only read.
 // NOLINTBEGIN(readability-non-const-parameter)
 
 namespace {
 
-/// A new array of `each` floats for every one of `count` things; without elements for a negative `count`.
+/// Returns a new array of `each` floats for each of `count` elements; an empty one for a negative `count`.
 float *newFloats(int count, std::size_t each)
 {
     return new float[count > 0 ? static_cast<std::size_t>(count) * each : 0];
-}
-
-/// A new array of `x`, `y`, `z` divided by its length, or of zeros if the squared length is not above 0.
-float *newUnitVector(float x, float y, float z)
-{
-    const float squared = x * x + y * y + z * z;
-    if (!(squared > 0.0F))
-        return new float[3]{0.0F, 0.0F, 0.0F};
-    const float length = std::sqrt(squared);
-    return new float[3]{x / length, y / length, z / length};
 }
 
 double scalarProduct(const float *a, const float *b)
@@ -59,12 +49,16 @@ float *OpenGL::calcNormal(float *p0, float *p1, float *p2)
 {
     const std::array<float, 3> u = {p1[0] - p0[0], p1[1] - p0[1], p1[2] - p0[2]};
     const std::array<float, 3> v = {p2[0] - p0[0], p2[1] - p0[1], p2[2] - p0[2]};
-    return newUnitVector(u[1] * v[2] - u[2] * v[1], u[2] * v[0] - u[0] * v[2], u[0] * v[1] - u[1] * v[0]);
+    return normalise(u[1] * v[2] - u[2] * v[1], u[2] * v[0] - u[0] * v[2], u[0] * v[1] - u[1] * v[0]);
 }
 
 float *OpenGL::normalise(float x, float y, float z)
 {
-    return newUnitVector(x, y, z);
+    const float squared = x * x + y * y + z * z;
+    if (!(squared > 0.0F))
+        return new float[3]{0.0F, 0.0F, 0.0F};
+    const float length = std::sqrt(squared);
+    return new float[3]{x / length, y / length, z / length};
 }
 
 float OpenGL::angleVect(float *a, float *b)
@@ -85,7 +79,7 @@ void OpenGL::chrysanthemum()
         const double fringe = std::pow(std::sin(2.0 * std::cos(3.0 * u) - 28.0 * u), 8.0);
         const double r = 5.0 * (1.0 + std::sin(11.0 * u / 5.0)) - 4.0 * petals * fringe;
         const double z = (r / 20.0 + 0.2) * std::sin(2.0 * M_PI * r / 7.0);
-        setColor(Qt::red);
+        sendColor(Qt::red);
         glVertex3f(static_cast<float>(r * std::cos(u)), static_cast<float>(r * std::sin(u)), static_cast<float>(z));
     }
     glEnd();
@@ -100,7 +94,7 @@ void OpenGL::setup()
     glFlush();
 }
 
-void OpenGL::sceneInit(QColor background) // NOLINT(performance-unnecessary-value-param): the interface's
+void OpenGL::sceneInit(QColor background) // NOLINT(performance-unnecessary-value-param): part of the interface
 {
     glClearColor(static_cast<float>(background.redF()), static_cast<float>(background.greenF()),
                  static_cast<float>(background.blueF()), 1.0F);
@@ -110,7 +104,7 @@ void OpenGL::sceneInit(QColor background) // NOLINT(performance-unnecessary-valu
     const Vector dim = {0.1F, 0.1F, 0.1F, 1.0F};
     const Vector white = {1.0F, 1.0F, 1.0F, 0.0F};
     const Vector red = {1.0F, 0.0F, 0.0F, 0.0F};
-    // The last 0 makes them directions, not places.
+    // w = 0: directional lights
     const std::array<std::pair<GLenum, Vector>, 2> lights = {{
         {GL_LIGHT0, {1.0F, 0.5F, 1.0F, 0.0F}},
         {GL_LIGHT1, {-1.0F, 0.5F, -1.0F, 0.0F}},
@@ -141,22 +135,20 @@ void OpenGL::sceneInit(QColor background) // NOLINT(performance-unnecessary-valu
 
 float *OpenGL::polygon(int n, float r, float z)
 {
-    float *const corners = newFloats(n, 3);
-    float *next = corners;
+    float *const vertices = newFloats(n, 3);
+    float *next = vertices;
     for (int k = 0; k < n; ++k) {
         const double angle = k * 2.0 * M_PI / n;
         *next++ = static_cast<float>(static_cast<double>(r) * std::sin(angle));
         *next++ = static_cast<float>(static_cast<double>(r) * std::cos(angle));
         *next++ = z * r;
     }
-    return corners;
+    return vertices;
 }
 
 float *OpenGL::grid(int rows, int cols, float size)
 {
-    if (rows < 1 || cols < 1)
-        return newFloats(0, 1);
-    float *const lattice = newFloats(rows, 2 * static_cast<std::size_t>(cols));
+    float *const lattice = newFloats(cols > 0 ? rows : 0, 2 * static_cast<std::size_t>(cols));
     float *next = lattice;
     for (int i = 0; i < rows; ++i) {
         for (int j = 0; j < cols; ++j) {
@@ -230,10 +222,9 @@ float *OpenGL::ellipseCoords(float cx, float cy, float rx, float ry, int n)
     for (int k = 0; k < n; ++k) {
         *next++ = static_cast<float>(static_cast<double>(cx) + static_cast<double>(rx) * c);
         *next++ = static_cast<float>(static_cast<double>(cy) + static_cast<double>(ry) * s);
-        // turned on by one step instead of asking for its sine and cosine
-        const double turned = c * cosStep - s * sinStep;
+        const double rotated = c * cosStep - s * sinStep;
         s = s * cosStep + c * sinStep;
-        c = turned;
+        c = rotated;
     }
     return points;
 }

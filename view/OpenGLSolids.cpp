@@ -1,6 +1,6 @@
 #include "view/OpenGL.h"
 
-#include "view/SetColor.h"
+#include "view/SendColor.h"
 
 #include <QColor>
 #include <qopengl.h>
@@ -13,25 +13,24 @@ namespace {
 
 using Point = std::array<float, 3>;
 using TexturePoint = std::array<float, 2>;
+template <std::size_t vertexCount>
+using Face = std::array<std::size_t, vertexCount>; // indices of vertices
+using Triangle = Face<3>;
+using Square = Face<4>;
+using Pentagon = Face<5>;
 
-// A table of corners and one of faces, whose entries are indices of corners. The small differences between values that
-// geometry would have equal (0.618 beside 0.618034) are part of the figures.
+// The small differences between values that geometry would have equal (0.618 beside 0.618034) are intended.
 
-constexpr std::array<Point, 4> tetrahedronCorners = {{
+constexpr std::array<Point, 4> tetrahedronVertices = {{
     {0.0F, 0.0F, 1.732051F},
     {1.632993F, 0.0F, -0.5773503F},
     {-0.8164966F, 1.414214F, -0.5773503F},
     {-0.8164966F, -1.414214F, -0.5773503F},
 }};
 
-constexpr std::array<std::array<std::size_t, 3>, 4> tetrahedronFaces = {{
-    {0, 1, 2},
-    {0, 2, 3},
-    {0, 3, 1},
-    {1, 3, 2},
-}};
+constexpr std::array<Triangle, 4> tetrahedronFaces = {{{0, 1, 2}, {0, 2, 3}, {0, 3, 1}, {1, 3, 2}}};
 
-constexpr std::array<Point, 6> octahedronCorners = {{
+constexpr std::array<Point, 6> octahedronVertices = {{
     {0.0F, 0.0F, 1.414F},
     {1.414F, 0.0F, 0.0F},
     {0.0F, 1.414F, 0.0F},
@@ -40,92 +39,42 @@ constexpr std::array<Point, 6> octahedronCorners = {{
     {0.0F, 0.0F, -1.414F},
 }};
 
-constexpr std::array<std::array<std::size_t, 3>, 8> octahedronFaces = {{
-    {0, 1, 2},
-    {0, 2, 3},
-    {0, 3, 4},
-    {0, 4, 1},
-    {1, 4, 5},
-    {1, 5, 2},
-    {2, 5, 3},
-    {3, 5, 4},
+constexpr std::array<Triangle, 8> octahedronFaces = {
+    {{0, 1, 2}, {0, 2, 3}, {0, 3, 4}, {0, 4, 1}, {1, 4, 5}, {1, 5, 2}, {2, 5, 3}, {3, 5, 4}}};
+
+constexpr std::array<Point, 8> cubeVertices = {{
+    {1.0F, 1.0F, 1.0F},
+    {-1.0F, 1.0F, 1.0F},
+    {-1.0F, -1.0F, 1.0F},
+    {1.0F, -1.0F, 1.0F},
+    {1.0F, -1.0F, -1.0F},
+    {1.0F, 1.0F, -1.0F},
+    {-1.0F, 1.0F, -1.0F},
+    {-1.0F, -1.0F, -1.0F},
 }};
 
-/// The corners of the cube with edges of 2 `s`.
-constexpr std::array<Point, 8> cubeCorners(float s)
+constexpr std::array<Square, 6> cubeFaces = {
+    {{3, 0, 1, 2}, {3, 4, 5, 0}, {0, 5, 6, 1}, {1, 6, 7, 2}, {2, 7, 4, 3}, {5, 4, 7, 6}}};
+
+/// The corners of a texture, anticlockwise.
+constexpr std::array<TexturePoint, 4> squareTexture = {{{0.0F, 0.0F}, {1.0F, 0.0F}, {1.0F, 1.0F}, {0.0F, 1.0F}}};
+
+struct TexturedSquare
 {
-    return {{
-        {s, s, s},
-        {-s, s, s},
-        {-s, -s, s},
-        {s, -s, s},
-        {s, -s, -s},
-        {s, s, -s},
-        {-s, s, -s},
-        {-s, -s, -s},
-    }};
-}
-
-constexpr std::array<Point, 8> unitCubeCorners = cubeCorners(1.0F);
-constexpr std::array<Point, 8> smallCubeCorners = cubeCorners(0.707F);
-
-constexpr std::array<std::array<std::size_t, 4>, 6> cubeFaces = {{
-    {3, 0, 1, 2},
-    {3, 4, 5, 0},
-    {0, 5, 6, 1},
-    {1, 6, 7, 2},
-    {2, 7, 4, 3},
-    {5, 4, 7, 6},
-}};
-
-struct TexturedCorner
-{
-    Point point;
-    TexturePoint texture;
+    Square vertices;
+    std::size_t firstTexture; ///< the texture's corner at the first vertex; the others follow
 };
 
-// clang-format off
-constexpr std::array<std::array<TexturedCorner, 4>, 6> texturedCubeFaces = {{
-    {{ // front
-        {{-1.0F, -1.0F,  1.0F}, {0.0F, 0.0F}},
-        {{ 1.0F, -1.0F,  1.0F}, {1.0F, 0.0F}},
-        {{ 1.0F,  1.0F,  1.0F}, {1.0F, 1.0F}},
-        {{-1.0F,  1.0F,  1.0F}, {0.0F, 1.0F}},
-    }},
-    {{ // back
-        {{-1.0F, -1.0F, -1.0F}, {1.0F, 0.0F}},
-        {{-1.0F,  1.0F, -1.0F}, {1.0F, 1.0F}},
-        {{ 1.0F,  1.0F, -1.0F}, {0.0F, 1.0F}},
-        {{ 1.0F, -1.0F, -1.0F}, {0.0F, 0.0F}},
-    }},
-    {{ // left
-        {{-1.0F, -1.0F, -1.0F}, {0.0F, 0.0F}},
-        {{-1.0F, -1.0F,  1.0F}, {1.0F, 0.0F}},
-        {{-1.0F,  1.0F,  1.0F}, {1.0F, 1.0F}},
-        {{-1.0F,  1.0F, -1.0F}, {0.0F, 1.0F}},
-    }},
-    {{ // right
-        {{ 1.0F, -1.0F, -1.0F}, {1.0F, 0.0F}},
-        {{ 1.0F,  1.0F, -1.0F}, {1.0F, 1.0F}},
-        {{ 1.0F,  1.0F,  1.0F}, {0.0F, 1.0F}},
-        {{ 1.0F, -1.0F,  1.0F}, {0.0F, 0.0F}},
-    }},
-    {{ // top
-        {{-1.0F,  1.0F, -1.0F}, {0.0F, 1.0F}},
-        {{-1.0F,  1.0F,  1.0F}, {0.0F, 0.0F}},
-        {{ 1.0F,  1.0F,  1.0F}, {1.0F, 0.0F}},
-        {{ 1.0F,  1.0F, -1.0F}, {1.0F, 1.0F}},
-    }},
-    {{ // bottom
-        {{-1.0F, -1.0F, -1.0F}, {1.0F, 1.0F}},
-        {{ 1.0F, -1.0F, -1.0F}, {0.0F, 1.0F}},
-        {{ 1.0F, -1.0F,  1.0F}, {0.0F, 0.0F}},
-        {{-1.0F, -1.0F,  1.0F}, {1.0F, 0.0F}},
-    }},
+constexpr std::array<TexturedSquare, 6> texturedCubeFaces = {{
+    {{2, 3, 0, 1}, 0}, // front
+    {{7, 6, 5, 4}, 1}, // back
+    {{7, 2, 1, 6}, 0}, // left
+    {{4, 5, 0, 3}, 1}, // right
+    {{6, 1, 0, 5}, 3}, // top
+    {{7, 4, 3, 2}, 2}, // bottom
 }};
-// clang-format on
 
-constexpr std::array<Point, 20> dodecahedronCorners = {{
+constexpr std::array<Point, 20> dodecahedronVertices = {{
     {0.0F, 0.0F, 1.07047F},
     {0.713644F, 0.0F, 0.797878F},
     {-0.356822F, 0.618F, 0.797878F},
@@ -148,7 +97,7 @@ constexpr std::array<Point, 20> dodecahedronCorners = {{
     {0.0F, 0.0F, -1.07047F},
 }};
 
-constexpr std::array<std::array<std::size_t, 5>, 12> dodecahedronFaces = {{
+constexpr std::array<Pentagon, 12> dodecahedronFaces = {{
     {0, 1, 4, 7, 2},
     {0, 2, 6, 9, 3},
     {0, 3, 8, 5, 1},
@@ -163,9 +112,7 @@ constexpr std::array<std::array<std::size_t, 5>, 12> dodecahedronFaces = {{
     {14, 15, 18, 19, 17},
 }};
 
-constexpr int dodecahedronFaceCount = static_cast<int>(dodecahedronFaces.size());
-
-/// textPolygon(5), corner for corner of a face.
+/// textPolygon(5): the texture coordinates of a face's vertices.
 constexpr std::array<TexturePoint, 5> pentagonTexture = {{
     {0.5F, 0.0F},
     {0.97552824F, 0.34549147F},
@@ -177,7 +124,7 @@ constexpr std::array<TexturePoint, 5> pentagonTexture = {{
 constexpr float icosahedronA = 0.5257311F;
 constexpr float icosahedronB = 0.8506508F;
 
-constexpr std::array<Point, 12> icosahedronCorners = {{
+constexpr std::array<Point, 12> icosahedronVertices = {{
     {-icosahedronA, 0.0F, icosahedronB},
     {icosahedronA, 0.0F, icosahedronB},
     {-icosahedronA, 0.0F, -icosahedronB},
@@ -192,48 +139,28 @@ constexpr std::array<Point, 12> icosahedronCorners = {{
     {-icosahedronB, -icosahedronA, 0.0F},
 }};
 
-// clang-format off
-constexpr std::array<std::array<std::size_t, 3>, 20> icosahedronFaces = {{
-    {0, 4, 1},
-    {0, 9, 4},
-    {9, 5, 4},
-    {4, 5, 8},
-    {4, 8, 1},
-    {8, 10, 1},
-    {8, 3, 10},
-    {5, 3, 8},
-    {5, 2, 3},
-    {2, 7, 3},
-    {7, 10, 3},
-    {7, 6, 10},
-    {7, 11, 6},
-    {11, 0, 6},
-    {0, 1, 6},
-    {6, 1, 10},
-    {9, 0, 11},
-    {9, 11, 2},
-    {9, 2, 5},
-    {7, 2, 11},
-}};
-// clang-format on
+constexpr std::array<Triangle, 20> icosahedronFaces = {{{0, 4, 1},  {0, 9, 4},  {9, 5, 4},  {4, 5, 8},  {4, 8, 1},
+                                                        {8, 10, 1}, {8, 3, 10}, {5, 3, 8},  {5, 2, 3},  {2, 7, 3},
+                                                        {7, 10, 3}, {7, 6, 10}, {7, 11, 6}, {11, 0, 6}, {0, 1, 6},
+                                                        {6, 1, 10}, {9, 0, 11}, {9, 11, 2}, {9, 2, 5},  {7, 2, 11}}};
 
-/// Sends the corners of one face, in order.
-template <typename Corners, typename Face>
-void sendFace(const Corners &corners, const Face &face)
+/// Sends the vertices of one face in order, after its colour if `color` is not null.
+template <typename Face>
+void sendFace(const QColor *color, const Point *vertices, const Face &face)
 {
-    for (const std::size_t corner : face)
-        glVertex3fv(corners[corner].data());
+    if (color)
+        sendColor(*color);
+    for (const std::size_t vertex : face)
+        glVertex3fv(vertices[vertex].data());
 }
 
-/// Draws the faces one by one, each in the next of `colors` if there are any.
-template <typename Corners, typename Faces>
-void drawFaces(int mode, const QColor *colors, const Corners &corners, const Faces &faces)
+/// Draws each face as a primitive `mode`.
+template <typename Faces>
+void drawFaces(int mode, const QColor *colors, const Point *vertices, const Faces &faces)
 {
-    for (std::size_t i = 0; i < faces.size(); ++i) {
+    for (const auto &face : faces) {
         glBegin(static_cast<GLenum>(mode));
-        if (colors)
-            setColor(colors[i]);
-        sendFace(corners, faces[i]);
+        sendFace(colors ? colors++ : nullptr, vertices, face);
         glEnd();
     }
 }
@@ -242,43 +169,39 @@ void drawFaces(int mode, const QColor *colors, const Corners &corners, const Fac
 
 void OpenGL::tetrahedron(int mode, QColor *colors)
 {
-    drawFaces(mode, colors, tetrahedronCorners, tetrahedronFaces);
+    drawFaces(mode, colors, tetrahedronVertices.data(), tetrahedronFaces);
 }
 
 void OpenGL::octahedron(int mode, QColor *colors)
 {
-    drawFaces(mode, colors, octahedronCorners, octahedronFaces);
+    drawFaces(mode, colors, octahedronVertices.data(), octahedronFaces);
 }
 
 void OpenGL::cube(int mode, QColor *colors)
 {
-    drawFaces(mode, colors, unitCubeCorners, cubeFaces);
+    drawFaces(mode, colors, cubeVertices.data(), cubeFaces);
 }
 
 void OpenGL::dodecahedron(int mode, QColor *colors)
 {
-    drawFaces(mode, colors, dodecahedronCorners, dodecahedronFaces);
+    drawFaces(mode, colors, dodecahedronVertices.data(), dodecahedronFaces);
 }
 
 void OpenGL::icosahedron(int mode, QColor *colors)
 {
     glBegin(static_cast<GLenum>(mode));
-    for (std::size_t i = 0; i < icosahedronFaces.size(); ++i) {
-        if (colors)
-            setColor(colors[i]);
-        sendFace(icosahedronCorners, icosahedronFaces[i]);
-    }
+    for (const Triangle &face : icosahedronFaces)
+        sendFace(colors ? colors++ : nullptr, icosahedronVertices.data(), face);
     glEnd();
 }
 
 float *OpenGL::cubeCoords(int i, float scale)
 {
     static Point scaled;
-    constexpr float none = std::numeric_limits<float>::quiet_NaN();
-    const auto corner = static_cast<std::size_t>(i); // a negative index lies beyond every table
-    scaled = corner < smallCubeCorners.size() ? smallCubeCorners[corner] : Point{none, none, none};
-    for (float &coordinate : scaled)
-        coordinate *= scale;
+    scaled.fill(std::numeric_limits<float>::quiet_NaN());
+    const auto vertex = static_cast<std::size_t>(i); // beyond the table if negative
+    for (std::size_t k = 0; vertex < cubeVertices.size() && k < scaled.size(); ++k)
+        scaled[k] = 0.707F * cubeVertices[vertex][k] * scale;
     return scaled.data();
 }
 
@@ -287,10 +210,11 @@ void OpenGL::cubeFace(int face)
     const int remainder = face % 6;
     if (remainder < 0)
         return;
+    const auto &[vertices, firstTexture] = texturedCubeFaces[static_cast<std::size_t>(remainder)];
     glBegin(GL_QUADS);
-    for (const TexturedCorner &corner : texturedCubeFaces[static_cast<std::size_t>(remainder)]) {
-        glTexCoord2fv(corner.texture.data());
-        glVertex3fv(corner.point.data());
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
+        glTexCoord2fv(squareTexture[(firstTexture + i) % squareTexture.size()].data());
+        glVertex3fv(cubeVertices[vertices[i]].data());
     }
     glEnd();
 }
@@ -310,19 +234,20 @@ void OpenGL::cubeTextured()
 
 void OpenGL::dodecahedronFace(int face)
 {
-    if (face < 0 || face >= dodecahedronFaceCount)
+    const auto index = static_cast<std::size_t>(face); // beyond the table if negative
+    if (index >= dodecahedronFaces.size())
         return;
-    const auto &corners = dodecahedronFaces[static_cast<std::size_t>(face)];
+    const Pentagon &vertices = dodecahedronFaces[index];
     glBegin(GL_TRIANGLE_FAN);
-    for (std::size_t i = 0; i < corners.size(); ++i) {
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
         glTexCoord2fv(pentagonTexture[i].data());
-        glVertex3fv(dodecahedronCorners[corners[i]].data());
+        glVertex3fv(dodecahedronVertices[vertices[i]].data());
     }
     glEnd();
 }
 
 void OpenGL::dodecahedronSolid()
 {
-    for (int face = 0; face < dodecahedronFaceCount; ++face)
+    for (int face = 0; face < 12; ++face)
         dodecahedronFace(face);
 }

@@ -1,6 +1,6 @@
 #include "view/OpenGL.h"
 
-#include "view/SetColor.h"
+#include "view/SendColor.h"
 
 #include <QtMath>
 
@@ -12,8 +12,11 @@
 
 namespace {
 
-/// A latitude-longitude sphere of `n` bands: (n + 1)^2 corners, row by row from pole to pole, three floats each, and
-/// n^2 cells of four indices of corners. Without corners for a negative `n`, without cells for one below 1.
+/// A latitude-longitude sphere of `n` bands: (n + 1)^2 vertices, row by row from pole to pole, and n^2 cells of four
+/// indices of vertices. Has no vertices for a negative `n` and no cells for an `n` below 1.
+///
+/// Each vertex and each cell is an allocation of its own, which costs time but is part of the interface, and so is a
+/// static pointer to the mesh while a sphere is drawn.
 struct SphereMesh
 {
     using Cell = std::array<std::size_t, 4>;
@@ -21,42 +24,35 @@ struct SphereMesh
     SphereMesh(float r, int n)
     {
         const auto radius = static_cast<double>(r);
+        const auto row = static_cast<std::size_t>(n) + 1;
         for (int i = 0; i <= n; ++i) {
             const double theta = M_PI * i / n;
             for (int j = 0; j <= n; ++j) {
                 const double phi = 2.0 * M_PI * j / n;
-                corners.emplace_back(new float[3]{
+                const std::size_t k = vertices.size();
+                vertices.emplace_back(new float[3]{
                     static_cast<float>(-radius * std::sin(theta) * std::cos(phi)),
                     static_cast<float>(radius * std::cos(theta)),
                     static_cast<float>(radius * std::sin(theta) * std::sin(phi)),
                 });
-            }
-        }
-
-        const auto row = static_cast<std::size_t>(n) + 1;
-        for (int i = 0; i < n; ++i) {
-            for (int j = 0; j < n; ++j) {
-                const std::size_t k = static_cast<std::size_t>(i) * row + static_cast<std::size_t>(j);
-                cells.emplace_back(new Cell{k, k + 1, k + 1 + row, k + row});
+                if (i < n && j < n)
+                    cells.emplace_back(new Cell{k, k + 1, k + 1 + row, k + row});
             }
         }
     }
 
-    std::vector<std::unique_ptr<float[]>> corners;
+    std::vector<std::unique_ptr<float[]>> vertices;
     std::vector<std::unique_ptr<Cell>> cells;
 };
 
-/// The unit normal of the first three corners of `cell`.
+/// Returns the unit normal of the first three vertices of `cell`.
 std::unique_ptr<float[]> normalOf(OpenGL &helpers, const SphereMesh &mesh, const SphereMesh::Cell &cell)
 {
-    float *normal =
-        helpers.calcNormal(mesh.corners[cell[0]].get(), mesh.corners[cell[1]].get(), mesh.corners[cell[2]].get());
-    return std::unique_ptr<float[]>(normal);
+    const auto &v = mesh.vertices;
+    return std::unique_ptr<float[]>(helpers.calcNormal(v[cell[0]].get(), v[cell[1]].get(), v[cell[2]].get()));
 }
 
 } // namespace
-
-// The mesh of a sphere stands at a static pointer while the sphere is drawn.
 
 void OpenGL::sphere(float r, int n, QColor *colors)
 {
@@ -66,10 +62,10 @@ void OpenGL::sphere(float r, int n, QColor *colors)
         const SphereMesh::Cell &cell = *mesh->cells[i];
         const auto normal = normalOf(*this, *mesh, cell);
         glBegin(GL_TRIANGLE_FAN);
-        setColor(colors ? colors[i] : QColor(Qt::blue));
-        for (const std::size_t corner : cell) {
+        sendColor(colors ? colors[i] : QColor(Qt::blue));
+        for (const std::size_t vertex : cell) {
             glNormal3fv(normal.get());
-            glVertex3fv(mesh->corners[corner].get());
+            glVertex3fv(mesh->vertices[vertex].get());
         }
         glEnd();
     }
@@ -82,8 +78,8 @@ void OpenGL::sphereLine(float r, int n)
     mesh = std::make_unique<SphereMesh>(r, n);
     for (const auto &cell : mesh->cells) {
         glBegin(GL_LINE_LOOP);
-        for (const std::size_t corner : *cell)
-            glVertex3fv(mesh->corners[corner].get());
+        for (const std::size_t vertex : *cell)
+            glVertex3fv(mesh->vertices[vertex].get());
         glEnd();
     }
     mesh.reset();
@@ -91,7 +87,7 @@ void OpenGL::sphereLine(float r, int n)
 
 void OpenGL::sphereTextured(float r, int n)
 {
-    std::vector<std::array<float, 2>> texture; // one entry a corner
+    std::vector<std::array<float, 2>> texture; // of each vertex
     for (int i = 0; i <= n; ++i) {
         for (int j = 0; j <= n; ++j)
             texture.push_back(
@@ -103,10 +99,10 @@ void OpenGL::sphereTextured(float r, int n)
     for (const auto &cell : mesh->cells) {
         const auto normal = normalOf(*this, *mesh, *cell);
         glBegin(GL_QUADS);
-        for (const std::size_t corner : *cell) {
+        for (const std::size_t vertex : *cell) {
             glNormal3fv(normal.get());
-            glTexCoord2fv(texture[corner].data());
-            glVertex3fv(mesh->corners[corner].get());
+            glTexCoord2fv(texture[vertex].data());
+            glVertex3fv(mesh->vertices[vertex].get());
         }
         glEnd();
     }
