@@ -1,12 +1,16 @@
-// OpenGL entry points that do nothing, in a file of their own so that no compiler can leave their calls out.
+// OpenGL entry points that do nothing, in a file of their own so that no compiler can remove their calls.
+
+#include "tests/support/OpenGLEntryPoints.h"
 
 #include <qopengl.h>
 
+#define SILENT(name, floats, parameters, arguments)                                                                    \
+    void APIENTRY name parameters                                                                                      \
+    {                                                                                                                  \
+        const auto ignore = [](auto...) {};                                                                            \
+        ignore arguments;                                                                                              \
+    }
+
 extern "C" {
-
-void APIENTRY glBegin(GLenum /*mode*/) {}
-void APIENTRY glEnd() {}
-void APIENTRY glVertex3f(GLfloat /*x*/, GLfloat /*y*/, GLfloat /*z*/) {}
-void APIENTRY glColor4f(GLfloat /*red*/, GLfloat /*green*/, GLfloat /*blue*/, GLfloat /*alpha*/) {}
-
-} // extern "C"
+PENDRIX_OPENGL_ENTRY_POINTS(SILENT)
+}

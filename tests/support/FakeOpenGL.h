@@ -3,37 +3,43 @@
 #include <QByteArray>
 #include <QVector>
 
-/// A call of an OpenGL entry point: its name and its arguments, widened to double (exact for every type used).
+/// A call of an OpenGL entry point: its name and its arguments, widened to double (exact for every type used) and with
+/// the floats behind a pointer instead of the pointer.
 struct OpenGLCall
 {
     QByteArray name;
     QVector<double> arguments;
 };
 
-/// Equal names and equal argument bits, so that -0 differs from 0; any NaN equals any other.
+/// Compares names and the bits of arguments, so that -0 differs from 0; any NaN equals any other.
 bool operator==(const OpenGLCall &a, const OpenGLCall &b);
 
-/// Readable form for QCOMPARE.
+/// Returns a readable form for QCOMPARE.
 char *toString(const OpenGLCall &call);
 
-/// Stands in for the OpenGL library in the programs that link it: the entry points record their calls and draw
-/// nothing. An entry point that is missing here is an error of the linker.
+/// Replaces the OpenGL library in programs that link it: the entry points record their calls and draw nothing. A
+/// missing entry point is a linker error.
 namespace FakeOpenGL {
 
-/// The calls since the last clear, in order.
+/// Returns the calls since the last clear, in order.
 const QVector<OpenGLCall> &calls();
 
 /// Forgets the recorded calls but keeps their storage.
 void clear();
 
-/// Whether calls are recorded, at first true; else they do nothing at all.
+/// Switches recording on, as at the start, or off.
 void setRecording(bool on);
 
-/// What is told of a call: its name and its arguments, which are gone afterwards.
+/// Called with the name and the arguments of a call, which are gone afterwards.
 using Watcher = void (*)(const char *name, const double *arguments, std::size_t count);
 
-/// From now on `watcher` is told of each call as it comes, and none is recorded: for more calls than one wants to keep.
-/// Null ends that.
+/// Passes each call to `watcher` instead of recording it, for more calls than memory holds. Null ends that.
 void setWatcher(Watcher watcher);
 
+/// Returns the first of the recorded calls that differs from `expected`, as text; empty if all are equal.
+QByteArray difference(const QVector<OpenGLCall> &expected);
+
 } // namespace FakeOpenGL
+
+/// Fails the test unless the recorded calls equal the expected ones.
+#define COMPARE_CALLS(...) QCOMPARE(FakeOpenGL::difference(__VA_ARGS__), QByteArray())

@@ -1,10 +1,11 @@
-// To be preloaded into a program that draws: asks the OpenGL context for an error after each of our calls, and ends the
-// program with the call's name if there is one.
+// Preload into a program that draws: calls glGetError around each of the program's OpenGL calls, and aborts with the
+// name of the call if there is an error.
 //
-// Between glBegin and glEnd nobody may ask; what went wrong there is found after glEnd. The context is also asked
-// before each call, so that an error that the toolkit left, or a call that is not among these, does not get the name of
-// ours. When the program ends, a line with the number of calls and of questions is added to the file that
-// PENDRIX_OPENGL_REPORT names, if it does.
+// glGetError is not allowed between glBegin and glEnd, so an error there is reported for glEnd. The check before each
+// call keeps errors of Qt, or of calls that are not in OpenGLEntryPoints.h, from being reported for the next call. At
+// exit, adds a line with the numbers of calls and of checks to the file that PENDRIX_OPENGL_REPORT names, if it is set.
+
+#include "tests/support/OpenGLEntryPoints.h"
 
 #include <GL/gl.h>
 
@@ -13,11 +14,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <type_traits>
+#include <string_view>
 
 namespace {
 
-/// What was done in this run; reported when it ends.
+/// Counts the calls and the checks of this run; the destructor reports them.
 struct Count
 {
     Count() = default;
@@ -25,13 +26,13 @@ struct Count
     {
         const char *report = std::getenv("PENDRIX_OPENGL_REPORT");
         if (report && calls > 0)
-            std::ofstream(report, std::ios::app) << calls << " calls, asked " << asked << " times\n";
+            std::ofstream(report, std::ios::app) << calls << " calls, " << checks << " checks\n";
     }
     Count(const Count &) = delete;
     Count &operator=(const Count &) = delete;
 
     long calls = 0;
-    long asked = 0;
+    long checks = 0;
 };
 
 Count &count()
@@ -42,23 +43,24 @@ Count &count()
 
 bool isBetweenBeginAndEnd = false;
 
-void *entryPointBehindOurs(const char *name)
+/// Returns the OpenGL library's function `name`.
+void *libraryFunction(const char *name)
 {
-    void *const entryPoint = dlsym(RTLD_NEXT, name);
-    if (!entryPoint) {
-        static_cast<void>(std::fprintf(stderr, "OpenGL: there is no %s\n", name));
+    void *const function = dlsym(RTLD_NEXT, name);
+    if (!function) {
+        static_cast<void>(std::fprintf(stderr, "OpenGL: missing function: %s\n", name));
         std::abort();
     }
-    return entryPoint;
+    return function;
 }
 
-/// Ends the program if the context has an error; `when` and `name` say at which call.
-void ask(const char *when, const char *name)
+/// Aborts if the context has an error; `when` and `name` say at which call.
+void check(const char *when, const char *name)
 {
-    static const auto getError = reinterpret_cast<decltype(&glGetError)>(entryPointBehindOurs("glGetError"));
+    static const auto getError = reinterpret_cast<decltype(&glGetError)>(libraryFunction("glGetError"));
     if (isBetweenBeginAndEnd)
         return;
-    ++count().asked;
+    ++count().checks;
     const GLenum error = getError();
     if (error == GL_NO_ERROR)
         return;
@@ -66,172 +68,29 @@ void ask(const char *when, const char *name)
     std::abort();
 }
 
-/// The library's entry point of `name`, with the questions around it.
-template <auto entryPoint>
-struct Checked
+/// Calls the library's function `name`, whose type is that of `entryPoint`, between two checks.
+template <auto entryPoint, typename... Arguments>
+void callChecked(const char *name, Arguments... arguments)
 {
-    const char *name;
-
-    template <auto other>
-    static constexpr bool is = std::is_same_v<std::integral_constant<decltype(entryPoint), entryPoint>,
-                                              std::integral_constant<decltype(other), other>>;
-
-    template <typename... Arguments>
-    void operator()(Arguments... arguments) const
-    {
-        static const auto behind = reinterpret_cast<decltype(entryPoint)>(entryPointBehindOurs(name));
-        ++count().calls;
-        ask("before", name);
-        behind(arguments...);
-        if (is<&glBegin> || is<&glEnd>)
-            isBetweenBeginAndEnd = is<&glBegin>;
-        ask("in", name);
-    }
-};
-
-#define CHECKED(name)                                                                                                  \
-    Checked<&(name)>                                                                                                   \
-    {                                                                                                                  \
-#name                                                                                                          \
-    }
+    static const auto function = reinterpret_cast<decltype(entryPoint)>(libraryFunction(name));
+    ++count().calls;
+    check("before", name);
+    function(arguments...);
+    const std::string_view called(name);
+    if (called == "glBegin" || called == "glEnd")
+        isBetweenBeginAndEnd = called == "glBegin";
+    check("in", name);
+}
 
 } // namespace
 
+#define CHECK(name, floats, parameters, arguments)                                                                     \
+    void APIENTRY name parameters                                                                                      \
+    {                                                                                                                  \
+        const auto call = [](auto... values) { callChecked<&(name)>(#name, values...); };                              \
+        call arguments;                                                                                                \
+    }
+
 extern "C" {
-
-void APIENTRY glBegin(GLenum mode)
-{
-    CHECKED(glBegin)(mode);
+PENDRIX_OPENGL_ENTRY_POINTS(CHECK)
 }
-
-void APIENTRY glEnd()
-{
-    CHECKED(glEnd)();
-}
-
-void APIENTRY glVertex3f(GLfloat x, GLfloat y, GLfloat z)
-{
-    CHECKED(glVertex3f)(x, y, z);
-}
-
-void APIENTRY glVertex3fv(const GLfloat *v)
-{
-    CHECKED(glVertex3fv)(v);
-}
-
-void APIENTRY glVertex2f(GLfloat x, GLfloat y)
-{
-    CHECKED(glVertex2f)(x, y);
-}
-
-void APIENTRY glNormal3fv(const GLfloat *v)
-{
-    CHECKED(glNormal3fv)(v);
-}
-
-void APIENTRY glTexCoord2f(GLfloat s, GLfloat t)
-{
-    CHECKED(glTexCoord2f)(s, t);
-}
-
-void APIENTRY glTexCoord2fv(const GLfloat *v)
-{
-    CHECKED(glTexCoord2fv)(v);
-}
-
-void APIENTRY glColor3f(GLfloat red, GLfloat green, GLfloat blue)
-{
-    CHECKED(glColor3f)(red, green, blue);
-}
-
-void APIENTRY glColor4f(GLfloat red, GLfloat green, GLfloat blue, GLfloat alpha)
-{
-    CHECKED(glColor4f)(red, green, blue, alpha);
-}
-
-void APIENTRY glClearColor(GLclampf red, GLclampf green, GLclampf blue, GLclampf alpha)
-{
-    CHECKED(glClearColor)(red, green, blue, alpha);
-}
-
-void APIENTRY glClear(GLbitfield buffers)
-{
-    CHECKED(glClear)(buffers);
-}
-
-void APIENTRY glFlush()
-{
-    CHECKED(glFlush)();
-}
-
-void APIENTRY glEnable(GLenum capability)
-{
-    CHECKED(glEnable)(capability);
-}
-
-void APIENTRY glDepthFunc(GLenum function)
-{
-    CHECKED(glDepthFunc)(function);
-}
-
-void APIENTRY glHint(GLenum target, GLenum mode)
-{
-    CHECKED(glHint)(target, mode);
-}
-
-void APIENTRY glShadeModel(GLenum model)
-{
-    CHECKED(glShadeModel)(model);
-}
-
-void APIENTRY glLightModeli(GLenum name, GLint value)
-{
-    CHECKED(glLightModeli)(name, value);
-}
-
-void APIENTRY glLightfv(GLenum light, GLenum name, const GLfloat *v)
-{
-    CHECKED(glLightfv)(light, name, v);
-}
-
-void APIENTRY glMaterialfv(GLenum face, GLenum name, const GLfloat *v)
-{
-    CHECKED(glMaterialfv)(face, name, v);
-}
-
-void APIENTRY glMaterialf(GLenum face, GLenum name, GLfloat value)
-{
-    CHECKED(glMaterialf)(face, name, value);
-}
-
-void APIENTRY glViewport(GLint x, GLint y, GLsizei width, GLsizei height)
-{
-    CHECKED(glViewport)(x, y, width, height);
-}
-
-void APIENTRY glMatrixMode(GLenum mode)
-{
-    CHECKED(glMatrixMode)(mode);
-}
-
-void APIENTRY glLoadIdentity()
-{
-    CHECKED(glLoadIdentity)();
-}
-
-void APIENTRY glFrustum(GLdouble left, GLdouble right, GLdouble bottom, GLdouble top, GLdouble zNear, GLdouble zFar)
-{
-    CHECKED(glFrustum)(left, right, bottom, top, zNear, zFar);
-}
-
-void APIENTRY glTranslatef(GLfloat x, GLfloat y, GLfloat z)
-{
-    CHECKED(glTranslatef)(x, y, z);
-}
-
-void APIENTRY glRotatef(GLfloat angle, GLfloat x, GLfloat y, GLfloat z)
-{
-    CHECKED(glRotatef)(angle, x, y, z);
-}
-
-} // extern "C"
