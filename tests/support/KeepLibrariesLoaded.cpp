@@ -1,5 +1,5 @@
-// For builds with AddressSanitizer: libraries that were loaded stay loaded, so that a leak reported at the end of the
-// program still has the name of the library that it comes from, and tests/lsan.supp can tell it from ours.
+// For builds with AddressSanitizer: keeps libraries loaded, so that a leak reported at exit names the library that it
+// comes from, and tests/lsan.supp can suppress it.
 
 #include <dlfcn.h>
 

@@ -9,8 +9,17 @@
 #include <memory>
 #include <utility>
 
-/// Fixed-function OpenGL without a window: its context is the current one, and what is drawn goes into a square of
-/// colours and depths. Needs a QGuiApplication.
+/// Returns the pixels of the current framebuffer from its lower left on, without their alpha.
+inline QImage readPixels(const QSize &size)
+{
+    QImage pixels(size, QImage::Format_RGB32);
+    glPixelStorei(GL_PACK_ALIGNMENT, 4);
+    glReadPixels(0, 0, size.width(), size.height(), GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, pixels.bits());
+    return pixels.mirrored(); // OpenGL's rows run upwards
+}
+
+/// Fixed-function OpenGL without a window: makes a context current that draws into a square with a depth buffer. Needs
+/// a QGuiApplication.
 class OffscreenOpenGL
 {
 public:
@@ -25,32 +34,11 @@ public:
         if (!square->bind())
             return;
         glViewport(0, 0, side, side);
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
         buffer = std::move(square);
     }
 
     bool isValid() const { return buffer != nullptr; }
-
-    /// What has been drawn, top row first and without its alpha.
-    QImage picture() const
-    {
-        QImage pixels(buffer->size(), QImage::Format_RGB32);
-        glPixelStorei(GL_PACK_ALIGNMENT, 4);
-        glReadPixels(0, 0, pixels.width(), pixels.height(), GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, pixels.bits());
-        return pixels.mirrored(); // OpenGL's rows go up
-    }
-
-    /// Makes a new texture of `picture`, with its lower left at (0, 0), and binds it. It goes with the context.
-    static void bindTexture(const QImage &picture, int filter)
-    {
-        const QImage pixels = picture.convertToFormat(QImage::Format_RGB32).mirrored();
-        unsigned texture = 0;
-        glGenTextures(1, &texture);
-        glBindTexture(GL_TEXTURE_2D, texture);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
-        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB8, pixels.width(), pixels.height(), 0, GL_BGRA,
-                     GL_UNSIGNED_INT_8_8_8_8_REV, pixels.constBits());
-    }
 
 private:
     QOffscreenSurface surface;

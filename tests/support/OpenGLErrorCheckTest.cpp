@@ -1,4 +1,4 @@
-// What the preloaded OpenGLErrorCheck finds. Each case runs in a process of its own, for a finding ends it.
+// The preloaded OpenGLErrorCheck. Each case runs in a separate process because an error aborts it.
 
 #include "tests/support/OffscreenOpenGL.h"
 
@@ -20,25 +20,25 @@ void drawTriangle(GLenum mode)
     glEnd();
 }
 
-/// Makes the calls of a case; false if there is no such case.
-bool makeCalls(const QByteArray &what)
+/// Makes the calls of the case `name`; returns false if there is no such case.
+bool makeCalls(const QByteArray &name)
 {
     constexpr GLenum nothing = 0xFFFF;
-    if (what == "none") {
+    if (name == "none") {
         glEnable(GL_DEPTH_TEST);
         drawTriangle(GL_TRIANGLES);
-    } else if (what == "enum") {
+    } else if (name == "enum") {
         glEnable(nothing);
-    } else if (what == "value") {
+    } else if (name == "value") {
         glViewport(0, 0, -1, 1);
-    } else if (what == "between") {
+    } else if (name == "between") {
         glBegin(GL_TRIANGLES);
         glLoadIdentity();
         glEnd();
-    } else if (what == "end") {
+    } else if (name == "end") {
         glEnd();
-    } else if (what == "others") {
-        QOpenGLContext::currentContext()->functions()->glDisable(nothing); // not through our entry points
+    } else if (name == "others") {
+        QOpenGLContext::currentContext()->functions()->glDisable(nothing); // bypasses the checked entry points
         glFlush();
     } else {
         return false;
@@ -53,7 +53,7 @@ class OpenGLErrorCheckTest : public QObject
     Q_OBJECT
 
 private slots:
-    void finds_data()
+    void abortsAtFirstError_data()
     {
         QTest::addColumn<QByteArray>("message");
         QTest::newRow("none") << QByteArray();
@@ -64,7 +64,7 @@ private slots:
         QTest::newRow("others") << QByteArray("OpenGL error 0x0500 before glFlush\n");
     }
 
-    void finds()
+    void abortsAtFirstError()
     {
         QFETCH(QByteArray, message);
         QProcess process;
@@ -75,7 +75,7 @@ private slots:
         QCOMPARE(process.readAllStandardOutput(), message.isEmpty() ? QByteArray("done\n") : QByteArray());
     }
 
-    void countsTheCalls()
+    void reportsCallsAndChecks()
     {
         const QTemporaryDir folder;
         QFile report(folder.filePath("report"));
@@ -86,9 +86,9 @@ private slots:
         process.start(QCoreApplication::applicationFilePath(), {"--calls", "none"});
         QVERIFY(process.waitForFinished());
         QVERIFY(report.open(QIODevice::ReadOnly));
-        // glViewport of the set-up, glEnable and five for the triangle; not asked are the three corners, after glBegin
-        // and before glEnd.
-        QCOMPARE(report.readAll(), QByteArray("7 calls, 6 checks\n"));
+        // glViewport and glClear of OffscreenOpenGL, glEnable, and five for the triangle, of which only the checks
+        // before glBegin and after glEnd are allowed.
+        QCOMPARE(report.readAll(), QByteArray("8 calls, 8 checks\n"));
     }
 };
 

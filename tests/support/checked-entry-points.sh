@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Fails unless CHECKER, the library made of OpenGLErrorCheck.cpp, has every OpenGL entry point that the libraries call:
+# Fails unless CHECKER, the library built from OpenGLErrorCheck.cpp, has every OpenGL entry point that the libraries call:
 # checked-entry-points.sh CHECKER LIBRARY ...
 set -euo pipefail
 
@@ -9,7 +9,7 @@ called=$(nm --undefined-only --format=just-symbols "$@" | grep '^gl[A-Z]' | sort
 offered=$(nm --dynamic --defined-only --format=just-symbols "$checker" | grep '^gl[A-Z]' | sort --unique)
 missing=$(comm -23 <(echo "$called") <(echo "$offered"))
 if [ -n "$missing" ]; then
-  printf 'These entry points are called and not checked:\n%s\n' "$missing" >&2
+  printf 'checked-entry-points.sh: missing in OpenGLEntryPoints.h:\n%s\n' "$missing" >&2
   exit 1
 fi
-echo "$(wc --lines <<< "$called") entry points are called, and all are checked"
+echo "$(wc --lines <<< "$called") entry points are called and checked"
