@@ -1,21 +1,14 @@
 #include "engine/DampedSine.h"
 
+#include "engine/DampedSineKernels.h"
 #include "numerics/FloatModel.h"
 
 #include <algorithm>
-#include <array>
-#include <initializer_list>
-
-// The kernels of DampedSineKernel.cpp; the build tells which there are.
-using Kernel = int(const float *angles, const float *amplitudes, float *displacements, int *doubtful, int count);
-Kernel dampedSineKernelBaseline;
-Kernel dampedSineKernelAvx2;
-Kernel dampedSineKernelAvx512;
 
 namespace {
 
-/// The kernel of `method`; null where there is none, or the processor cannot run it.
-Kernel *kernelOf(DampedSineMethod method)
+/// Returns the kernel of `method`, or null if the build has none or the processor cannot run it.
+DampedSineKernel *kernelOf(DampedSineMethod method)
 {
     switch (method) {
 #ifdef PENDRIX_HAS_KERNEL_Baseline
@@ -49,51 +42,31 @@ DampedSineMethod fastestMethod()
     return DampedSineMethod::Library;
 }
 
-struct MethodInUse
+// A function-local static because the engine computes a curve before main.
+DampedSineMethod &methodInUse()
 {
-    DampedSineMethod method;
-    Kernel *kernel;
-};
-
-// A local, because the engine computes a curve before main.
-MethodInUse &methodInUse()
-{
-    static MethodInUse inUse = {fastestMethod(), kernelOf(fastestMethod())};
-    return inUse;
-}
-
-/// Computes the displacements whose `doubtful` is not 0 as they are defined. Returns how many they were.
-int computeDoubtful(const float *angles, const float *amplitudes, float *displacements, const int *doubtful, int count)
-{
-    int computed = 0;
-    for (int i = 0; i < count; ++i) {
-        if (doubtful[i]) {
-            displacements[i] = dampedSine(angles[i], amplitudes[i]);
-            ++computed;
-        }
-    }
-    return computed;
+    static DampedSineMethod method = fastestMethod();
+    return method;
 }
 
 } // namespace
 
 int dampedSines(const float *angles, const float *amplitudes, float *displacements, int count)
 {
-    Kernel *const kernel = methodInUse().kernel;
-    if (!kernel) {
-        for (int i = 0; i < count; ++i)
-            displacements[i] = dampedSine(angles[i], amplitudes[i]);
-        return count;
-    }
-
-    std::array<int, 256> doubtful; // NOLINT(*-member-init): the kernel fills it
-    constexpr int blockLength = static_cast<int>(doubtful.size());
+    DampedSineKernel *const kernel = kernelOf(methodInUse());
+    constexpr int blockLength = 256;
+    int undecided[blockLength];
     int computed = 0;
     for (int first = 0; first < count; first += blockLength) {
         const int length = std::min(count - first, blockLength);
-        if (kernel(angles + first, amplitudes + first, displacements + first, doubtful.data(), length))
-            computed +=
-                computeDoubtful(angles + first, amplitudes + first, displacements + first, doubtful.data(), length);
+        if (kernel && !kernel(angles + first, amplitudes + first, displacements + first, undecided, length))
+            continue;
+        for (int i = 0; i < length; ++i) {
+            if (!kernel || undecided[i]) {
+                displacements[first + i] = dampedSine(angles[first + i], amplitudes[first + i]);
+                ++computed;
+            }
+        }
     }
     return computed;
 }
@@ -105,11 +78,11 @@ bool isAvailable(DampedSineMethod method)
 
 DampedSineMethod dampedSineMethod()
 {
-    return methodInUse().method;
+    return methodInUse();
 }
 
 void setDampedSineMethod(DampedSineMethod method)
 {
     if (isAvailable(method))
-        methodInUse() = {method, kernelOf(method)};
+        methodInUse() = method;
 }

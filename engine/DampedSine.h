@@ -2,37 +2,35 @@
 
 #include <cmath>
 
-/// The displacement of an oscillator: the sine of the float `angle` (radians), damped by `amplitude`, in double and
-/// rounded to float. What is not finite comes out as the arithmetic gives it.
+/// Returns the displacement of an oscillator: the sine of `angle` (radians) times `amplitude`, computed in double and
+/// rounded to float. NaN and infinities propagate as in IEEE 754.
 inline float dampedSine(float angle, float amplitude)
 {
     return static_cast<float>(std::sin(static_cast<double>(angle)) * static_cast<double>(amplitude));
 }
 
-/// Many damped sines at once: `displacements[i]` becomes `dampedSine(angles[i], amplitudes[i])`, to the last bit, for
-/// i from 0 to `count` - 1. The arrays must not overlap. Returns how many sines were left to the C library.
+/// Sets displacements[i] to dampedSine(angles[i], amplitudes[i]), exact to the bit, for i from 0 to `count` - 1. The
+/// arrays must not overlap. Returns how many of the sines libm computed.
 ///
-/// How it is fast and still exact: a vector kernel (DampedSineKernel.cpp) computes the product `p` of sine and
-/// amplitude for several angles at a time, with an error that is known to be less than `p` / 2^49. So the true product,
-/// and the one that dampedSine computes from the C library's sine, lie between p (1 - 2^-49) and p (1 + 2^-49).
-/// Rounding never changes the order of two numbers: where both ends of that interval round to the same float,
-/// everything between them does, too. Where they do not (about one product in twenty million), and for angles that are
-/// 0, beyond 2^22 or NaN, dampedSine is asked. Of the C library's sine this takes that it is at most 2^-52 of it off.
+/// Fast path plus rounding test (Ziv): a vector kernel computes the product p of sine and amplitude with an error below
+/// 2^-49 p. Where p (1 - 2^-49) and p (1 + 2^-49) round to the same float, so does the product with libm's sine,
+/// because rounding is monotonic. Where they do not (about one product in 20 million), and for angles that are 0, NaN
+/// or beyond 2^22, dampedSine decides. Assumes that libm's `sin` is accurate to 1 ulp (2^-52 relative).
 int dampedSines(const float *angles, const float *amplitudes, float *displacements, int count);
 
-/// The ways to compute them, which give the same results. Each processor has the first one.
+/// The ways to compute damped sines. All give the same results.
 enum class DampedSineMethod {
-    Library,  ///< dampedSine, one by one
-    Baseline, ///< the kernel for the processor that the build is for, such as SSE2 of any x86-64
+    Library,  ///< dampedSine for each value; always available
+    Baseline, ///< the kernel for the build's target processor, for example any x86-64 with SSE2
     Avx2,     ///< the kernel for AVX2 and FMA
     Avx512,   ///< the kernel for AVX-512
 };
 
-/// Whether `method` is in this build and this processor can do it.
+/// Returns whether the build contains `method` and this processor can run it.
 bool isAvailable(DampedSineMethod method);
 
-/// The method in use: at first the last one that is available.
+/// Returns the method in use, initially the last available one.
 DampedSineMethod dampedSineMethod();
 
-/// Changes the method in use, for tests and benchmarks. One that is not available changes nothing.
+/// Changes the method in use, for tests and benchmarks. Ignores a method that is not available.
 void setDampedSineMethod(DampedSineMethod method);

@@ -2,14 +2,15 @@
 
 #include "color/ColorScale.h"
 #include "engine/DampedSine.h"
-#include "engine/PaletteEntry.h"
-#include "engine/Sequence.h"
+#include "engine/PaletteIndex.h"
+#include "engine/Recurrence.h"
 #include "numerics/FloatModel.h"
 #include "numerics/Truncate.h"
 
 #include <qopengl.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <ctime>
 #include <iterator>
@@ -20,7 +21,7 @@ namespace {
 
 constexpr int presetCount = 12;
 
-// The tiny phase2 is not a rounded zero: it is stored, copied and shown as it stands.
+// Not a rounded zero: stored, copied and shown with this value.
 constexpr float tiny = 1.5e-8F;
 
 // clang-format off
@@ -41,33 +42,10 @@ constexpr float presetTable[presetCount][Pendrix3D::rowLength] = {
 };
 // clang-format on
 
-/// `frequency` moved on by `step`, added in double and rounded to float.
-float drifted(float frequency, double step)
+/// Returns the sum of `value` and `step`, added in double and rounded to float.
+float advanced(float value, double step)
 {
-    return static_cast<float>(static_cast<double>(frequency) + step);
-}
-
-/// The time of the point after the one at `t`.
-float timeAfter(float t)
-{
-    return static_cast<float>(static_cast<double>(t) + 0.02);
-}
-
-// The bytes of a packed colour 0x00RRGGBB.
-
-std::size_t redOf(unsigned int color)
-{
-    return (color >> 16U) & 255U;
-}
-
-std::size_t greenOf(unsigned int color)
-{
-    return (color >> 8U) & 255U;
-}
-
-std::size_t blueOf(unsigned int color)
-{
-    return color & 255U;
+    return static_cast<float>(static_cast<double>(value) + step);
 }
 
 } // namespace
@@ -81,9 +59,6 @@ Pendrix3D::Pendrix3D()
     palette = new unsigned int[static_cast<std::size_t>(paletteSize)];
     for (int i = 0; i < paletteSize; ++i)
         palette[i] = ColorScaleHSL(0x0000FF, 0xFF0000, static_cast<float>(i) * 0.001953125F); // i / 512
-
-    for (int byte = 0; byte < 256; ++byte)
-        byteComponents[byte] = componentsOf(QColor(byte, byte, byte)).red;
 
     presets.reserve(presetCount);
     for (const auto &preset : presetTable) {
@@ -101,11 +76,11 @@ Pendrix3D::Pendrix3D()
 void Pendrix3D::set(int n)
 {
     setIndex = n % presetCount;
-    set(presets.value(setIndex));
+    if (setIndex >= 0)
+        set(presets.at(setIndex));
 }
 
-// By value as the interface has it: a caller may hand over a row of the list that it is about to change.
-void Pendrix3D::set(QVector<float> row) // NOLINT(performance-unnecessary-value-param)
+void Pendrix3D::set(QVector<float> row) // by value: part of the interface. NOLINT(performance-unnecessary-value-param)
 {
     if (row.size() < rowLength)
         return;
@@ -177,28 +152,21 @@ void Pendrix3D::setParams()
     params[5] = static_cast<float>(colorMode);
 }
 
-Pendrix3D::ColorComponents Pendrix3D::componentsOf(const QColor &color)
-{
-    return {static_cast<float>(color.redF()), static_cast<float>(color.greenF()), static_cast<float>(color.blueF()),
-            static_cast<float>(color.alphaF())};
-}
-
 void Pendrix3D::draw()
 {
-    // Whoever changed a list since the last pass gets a shorter strip, never a read past its end.
+    // The lists are public and may have been resized, so clamp the count.
     const int count = std::min({nPoints, points.size(), colors.size()});
-    // The colours share their storage with those of the pass until somebody writes to them.
-    const bool colorsAreOfPass = colors.constData() == colorsOfPass.constData();
-    const CurvePoint *const point = points.constData();
-    const QColor *const color = colors.constData();
-    const int *const entry = entries.constData();
-    const ColorComponents *const paletteComponent = paletteComponents.constData();
-
     glBegin(GL_LINE_STRIP);
     for (int i = 0; i < count; ++i) {
-        const ColorComponents parts = colorsAreOfPass ? paletteComponent[entry[i]] : componentsOf(color[i]);
-        glVertex3f(point[i].x, point[i].y, point[i].z);
-        glColor4f(parts.red, parts.green, parts.blue, parts.alpha);
+        const CurvePoint &point = points.at(i);
+        glVertex3f(point.x, point.y, point.z);
+        qreal r = 0.0;
+        qreal g = 0.0;
+        qreal b = 0.0;
+        qreal a = 1.0;
+        // One call instead of four. Does not set the components of an invalid colour, which is opaque black.
+        colors.at(i).getRgbF(&r, &g, &b, &a);
+        glColor4f(static_cast<float>(r), static_cast<float>(g), static_cast<float>(b), static_cast<float>(a));
     }
     glEnd();
 }
@@ -210,48 +178,16 @@ void Pendrix3D::next()
 
 void Pendrix3D::next(double dFreq1, double dFreq3)
 {
-    freq1 = drifted(freq1, dFreq1);
-    freq3 = drifted(freq3, dFreq3);
+    freq1 = advanced(freq1, dFreq1);
+    freq3 = advanced(freq3, dFreq3);
     calcCoords();
 }
 
-// One point, as it is defined. A pass computes the same by blocks of points.
 void Pendrix3D::calcSegment(int i)
 {
-    t = timeAfter(t);
-    amplitude = amplitude - step;
-    x = dampedSine(freq2 * t, amplitude);
-    y = dampedSine(phase1 * twoPi + freq1 * t, amplitude);
-    z = dampedSine(phase2 * twoPi + freq3 * t, amplitude);
-    setColor(entryAt(palettePlace(i), paletteSize) % paletteSize);
-}
-
-void Pendrix3D::setColor(int entry)
-{
-    const unsigned int color = palette[entry];
-    red = static_cast<int>(redOf(color));
-    green = static_cast<int>(greenOf(color));
-    blue = static_cast<int>(blueOf(color));
-    alpha = 1;
-}
-
-/// The place on the palette of point `i`, which has just been computed. calcColors has the same for a block.
-float Pendrix3D::palettePlace(int i) const
-{
-    switch (colorMode) {
-    case 0:
-        return placeAlongCurve(i, nPoints);
-    case 1:
-        return placeByHeight(z, total);
-    case 2:
-        return placeByRadius(x, y, z, radiusScale);
-    case 3:
-        return placeByTime(t, twoPi);
-    case 4:
-        return placeByTime(t, twoPi * 0.125F);
-    default:
-        return placeOfOtherModes;
-    }
+    CurvePoint point;
+    int index = 0;
+    calcBlock(i, 1, &point, &index);
 }
 
 void Pendrix3D::calcCoords()
@@ -261,101 +197,85 @@ void Pendrix3D::calcCoords()
     t = 0.0F;
     nPoints = truncatedOr(static_cast<double>(total / step), 0);
 
-    preparePalette();
     const int count = std::max(nPoints, 0);
-    colorsOfPass = {};    // so that nobody shares the colours, which would be copied
-    points.resize(count); // keeps the storage, as the next ones do
+    points.resize(count);
     colors.resize(count);
-    entries.resize(count);
-    for (int first = 0; first < count; first += blockLength)
-        calcBlock(first, std::min(count - first, blockLength));
-    colorsOfPass = colors;
-}
-
-void Pendrix3D::preparePalette()
-{
     paletteColors.resize(paletteSize);
-    paletteComponents.resize(paletteSize);
-    for (int i = 0; i < paletteSize; ++i) {
-        const unsigned int color = palette[i];
-        paletteColors[i] = QColor(color);
-        paletteComponents[i] = {byteComponents[redOf(color)], byteComponents[greenOf(color)],
-                                byteComponents[blueOf(color)], 1.0F};
+    for (int i = 0; i < paletteSize; ++i)
+        paletteColors[i] = QColor(palette[i]);
+
+    CurvePoint *const point = points.data();
+    QColor *const color = colors.data();
+    const QColor *const paletteColor = paletteColors.constData();
+    for (int first = 0; first < count; first += blockLength) {
+        const int length = std::min(count - first, blockLength);
+        int indices[blockLength];
+        calcBlock(first, length, point + first, indices);
+        for (int j = 0; j < length; ++j)
+            new (color + first + j) QColor(paletteColor[indices[j]]); // faster than an assignment: see paletteColors
     }
 }
 
-// The steps of calcSegment, each for all points of the block before the next step: loops that become vector
-// instructions.
-void Pendrix3D::calcBlock(int first, int count)
+// Structure of arrays and one loop for each step of the computation, so that the loops are vectorised.
+void Pendrix3D::calcBlock(int first, int count, CurvePoint *point, int *indices)
 {
-    calcPoints(first, count);
-    calcColors(first, count);
-    x = block.x[count - 1];
-    y = block.y[count - 1];
-    z = block.z[count - 1];
-    setColor(entries.at(first + count - 1));
-}
+    float times[blockLength];
+    float amplitudes[blockLength] = {};
+    t = fillRecurrence(t, times, count, [](float time) { return advanced(time, 0.02); });
+    amplitude = fillRecurrence(amplitude, amplitudes, count, [this](float a) { return a - step; });
 
-void Pendrix3D::calcPoints(int first, int count)
-{
-    t = fillSequence(t, block.times, count, timeAfter);
-    amplitude = fillSequence(amplitude, block.amplitudes, count, [this](float a) { return a - step; });
+    float angles[blockLength] = {};
+    const auto oscillate = [&](float phase, float frequency, float *displacements) {
+        for (int j = 0; j < count; ++j)
+            angles[j] = phase + frequency * times[j];
+        dampedSines(angles, amplitudes, displacements, count);
+    };
+    float xs[blockLength];
+    float ys[blockLength];
+    float zs[blockLength];
+    oscillate(-0.0F, freq2, xs); // no phase: adding -0 changes no float, adding 0 would change -0
+    oscillate(phase1 * twoPi, freq1, ys);
+    oscillate(phase2 * twoPi, freq3, zs);
 
-    for (int j = 0; j < count; ++j)
-        block.angles[j] = freq2 * block.times[j];
-    dampedSines(block.angles, block.amplitudes, block.x, count);
-    for (int j = 0; j < count; ++j)
-        block.angles[j] = phase1 * twoPi + freq1 * block.times[j];
-    dampedSines(block.angles, block.amplitudes, block.y, count);
-    for (int j = 0; j < count; ++j)
-        block.angles[j] = phase2 * twoPi + freq3 * block.times[j];
-    dampedSines(block.angles, block.amplitudes, block.z, count);
-
-    CurvePoint *const point = points.data() + first;
-    for (int j = 0; j < count; ++j)
-        point[j] = {block.x[j], block.y[j], block.z[j]};
-}
-
-void Pendrix3D::calcColors(int first, int count)
-{
-    float *const places = block.places;
+    float positions[blockLength]; // on the palette
     switch (colorMode) {
     case 0:
         for (int j = 0; j < count; ++j)
-            places[j] = placeAlongCurve(first + j, nPoints);
+            positions[j] = static_cast<float>(first + j) / static_cast<float>(nPoints);
         break;
     case 1:
         for (int j = 0; j < count; ++j)
-            places[j] = placeByHeight(block.z[j], total);
+            positions[j] = fractionalPart(zs[j] / (total + total) + 0.5F);
         break;
     case 2:
         for (int j = 0; j < count; ++j)
-            places[j] = placeByRadius(block.x[j], block.y[j], block.z[j], radiusScale);
+            positions[j] = std::sqrt(xs[j] * xs[j] + ys[j] * ys[j] + zs[j] * zs[j]) / radiusScale * 1.5F;
         break;
     case 3:
         for (int j = 0; j < count; ++j)
-            places[j] = placeByTime(block.times[j], twoPi);
+            positions[j] = fractionalPart(times[j] / twoPi);
         break;
     case 4:
         for (int j = 0; j < count; ++j)
-            places[j] = placeByTime(block.times[j], twoPi * 0.125F);
+            positions[j] = fractionalPart(times[j] / (twoPi * 0.125F));
         break;
     default:
-        std::fill_n(places, count, placeOfOtherModes);
-    }
-    int *const entry = entries.data() + first;
-    int highest = 0;
-    for (int j = 0; j < count; ++j) {
-        entry[j] = entryAt(places[j], paletteSize);
-        highest = std::max(highest, entry[j]);
-    }
-    if (highest >= paletteSize) { // divisions cost more than all the rest here
-        for (int j = 0; j < count; ++j)
-            entry[j] %= paletteSize;
+        std::fill_n(positions, count, 1.0F);
     }
 
-    QColor *const color = colors.data() + first;
-    const QColor *const paletteColor = paletteColors.constData();
+    const int size = paletteSize; // a local, because the stores to `indices` could change the member
     for (int j = 0; j < count; ++j)
-        new (color + j) QColor(paletteColor[entry[j]]); // an assignment would be a call
+        indices[j] = paletteIndex(positions[j], size);
+    for (int j = 0; j < count; ++j)
+        point[j] = {xs[j], ys[j], zs[j]};
+
+    const int last = count - 1;
+    const QRgb color = palette[indices[last]];
+    x = xs[last];
+    y = ys[last];
+    z = zs[last];
+    red = qRed(color);
+    green = qGreen(color);
+    blue = qBlue(color);
+    alpha = 1;
 }

@@ -1,25 +1,26 @@
 #pragma once
 
-// A sine for loops that compilers turn into vector instructions. To be included by files that are compiled for one
-// instruction set each, so it includes nothing and belongs to each of them alone: no function compiled for one
-// processor may end up in a program that runs on another.
+// A sine for vectorised loops. Only for files that are compiled for one instruction set each: this header includes
+// nothing, so that no inline function compiled for one processor ends up in a program that runs on another.
 
-/// The sine of `angle`, which must be a float of 2^-149 to 2^22 or the negative of one. Else the result is any double.
-/// The error is less than 2^-50 of the sine (four units in the last place), also if multiplications and additions are
-/// fused; SineErrorBenchmark computes it for each of these floats.
+/// Returns the sine of `angle`, a float whose absolute value is 2^-149 to 2^22. Any other angle gives any double.
 ///
-/// - k is the angle in half turns, rounded to a whole number, |k| < 2^21. r = angle - k pi lies between -pi/2 and pi/2,
-///   but for a rounding, and the sine is sin(r) for an even k and -sin(r) for an odd one.
-/// - sin(r) is its Taylor series up to r^21. The series alternates: what is left out is less than the next term,
-///   r^23 / 23!, and that is less than 2^-59 sin(r). The rest of the error are roundings.
+/// The relative error is less than 2^-50 (4 ulp), with or without fused multiply-add. SineErrorBenchmark measures it
+/// for each of these floats.
+///
+/// - Cody-Waite argument reduction: k = round(angle / pi), |k| < 2^21; r = angle - k pi, with pi in three parts. r is
+/// in
+///   -pi/2 to pi/2, give or take a rounding error. The sine is sin(r) for an even k and -sin(r) for an odd k.
+/// - sin(r): the Taylor series up to r^21. The series alternates, so the truncation error is less than the next term,
+///   r^23 / 23! < 2^-59 sin(r). The rest of the error is rounding.
 static inline double vectorSine(double angle)
 {
-    // pi in three parts: the first two have 31 bits at most, so that their products with k are exact.
+    // The first two parts have at most 31 bits, so their products with k are exact.
     constexpr double pi1 = 0x1.921fb544p+1;
     constexpr double pi2 = 0x1.0b4611a0p-33;
     constexpr double pi3 = 0x1.898cc51701b84p-63;
     constexpr double oneByPi = 0x1.45f306dc9c883p-2;
-    constexpr double roundingShift = 0x1.8p+52; // a sum near it has no room for a fraction
+    constexpr double roundingShift = 0x1.8p+52; // sums near it are rounded to whole numbers
 
     const double shifted = angle * oneByPi + roundingShift;
     const double k = shifted - roundingShift;
@@ -38,7 +39,7 @@ static inline double vectorSine(double angle)
     series = series * rr - 1.0 / 6.0; // 1 / 3!
     double sine = r + r * rr * series;
 
-    // The last bit of `shifted` is that of k: moved to the place of the sign, it turns the sign for an odd k.
+    // The last bit of `shifted` is the last bit of k. Moved to the sign bit, it changes the sign for an odd k.
     unsigned long long bits = 0;
     unsigned long long bitsOfShifted = 0;
     __builtin_memcpy(&bits, &sine, sizeof bits);

@@ -33,37 +33,40 @@ measure() {
   }
 }
 measure "$engine/CurveBenchmark"
-measure "$engine/DrawBenchmark"
 measure "$on_display" "$app/WindowBenchmark"
 
 {
   echo "Measured on$(sed -n 's/^model name[^:]*://p' /proc/cpuinfo | head -n 1), $(nproc) processors"
   awk '
     { time[$1] = $2 }
-    function ratio(what, to) { return what in time ? sprintf("%.2f", time[what] / time[to]) : "-" }
+    function ratio(what) { return what in time ? sprintf("%.2f", time[what] / time["bareSines"]) : "-" }
+    function row(title, what) { printf "%-42s %6s\n", title, ratio(what) }
     function modes(title, what,    mode) {
       printf "%-42s", title
       for (mode = 0; mode <= 5; ++mode)
-        printf " %6s", ratio(what "/mode:" mode, "bareSines")
+        printf " %6s", ratio(what "mode:" mode)
       print ""
     }
-    function row(title, what) { printf "%-42s %6s\n", title, ratio(what, "bareSines") }
+    function methods(what) {
+      printf "\n%-42s %6d %6d %6d %6d %6d %6s\n", "by colour mode", 0, 1, 2, 3, 4, "other"
+      modes("sines by libm", what "/method:0/")
+      modes("baseline (SSE2 on x86-64)", what "/method:1/")
+      modes("AVX2", what "/method:2/")
+      modes("AVX-512", what "/method:3/")
+    }
     END {
-      printf "\nBare sines of a curve, C library: %.0f us. As a multiple of that:\n", time["bareSines"]
-      row("sines times amplitudes, C library", "sinesAlone/library")
-      row("  baseline (SSE2 on x86-64)", "sinesAlone/baseline")
-      row("  AVX2", "sinesAlone/avx2")
-      row("  AVX-512", "sinesAlone/avx512")
-      print "\nA pass, as a multiple of the same"
-      printf "%-42s %6d %6d %6d %6d %6d %6s\n", "by colour mode", 0, 1, 2, 3, 4, "other"
-      modes("point by point, as it is defined", "pointByPoint")
-      modes("by steps, sines from the C library", "pass/library")
-      modes("  baseline (SSE2 on x86-64)", "pass/baseline")
-      modes("  AVX2", "pass/avx2")
-      modes("  AVX-512", "pass/avx512")
-      printf "\nReady-made floats to entry points that do nothing: %.0f us. As a multiple of that:\n", time["readyMadeFloats"]
-      printf "%-42s %6s\n", "draw", ratio("draw", "readyMadeFloats")
-      printf "%-42s %6s\n", "draw, with colours changed from outside", ratio("drawChangedColors", "readyMadeFloats")
+      printf "\nMultiples of the bare sines of a curve by libm, which take %.0f us\n\n", time["bareSines"]
+      row("damped sines by libm", "dampedSinesOnly/method:0")
+      row("baseline (SSE2 on x86-64)", "dampedSinesOnly/method:1")
+      row("AVX2", "dampedSinesOnly/method:2")
+      row("AVX-512", "dampedSinesOnly/method:3")
+      row("draw, entry points that do nothing", "draw")
+      row("the same calls with ready-made floats", "drawFloats")
+      print "\nA pass. Required: 0.55 or less for the baseline, 0.30 or less for AVX2 and AVX-512"
+      methods("pass")
+      modes("point by point, the reference of the tests", "pointByPoint/")
+      print "\nA pass and draw. Required: less than 1.00 for the baseline, 0.70 for AVX2 and AVX-512"
+      methods("passAndDraw")
       print "\nBeside them, in us"
       printf "%-42s %6.0f\n", "palette of 512 colours", time["palette"]
       printf "%-42s %6.0f\n", "settings, load", time["loadSettings"]

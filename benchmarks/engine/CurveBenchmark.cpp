@@ -1,21 +1,26 @@
-// clazy:excludeall=non-pod-global-static (that is how benchmarks are registered)
+// clazy:excludeall=non-pod-global-static (Google Benchmark registers benchmarks with globals)
 
-// A whole pass of the engine in each colour mode, by each method of computing the sines, beside the bare sines of the
-// same arguments from the C library; and the palette of the engine's construction.
+// The engine's share of a frame: the bare sines of a curve by libm, all damped sines by each method, a pass and a pass
+// with draw in each colour mode by each method, draw alone, and the palette.
 
 #include "color/ColorScale.h"
 #include "engine/DampedSine.h"
 #include "engine/Pendrix3D.h"
 
+#include "tests/support/ReferenceCurve.h"
+
 #include <benchmark/benchmark.h>
 
+#include <qopengl.h>
+
+#include <array>
 #include <cmath>
 #include <utility>
 #include <vector>
 
 namespace {
 
-/// The angles of all sines of the engine's present curve, axis by axis, and the amplitudes that go with them.
+/// The angles of all sines of the engine's current curve, axis by axis, and their amplitudes.
 struct Oscillations
 {
     std::vector<float> angles;
@@ -51,18 +56,26 @@ void bareSines(benchmark::State &state)
     }
 }
 
-/// Goes on with `method`; false, with a word in the report, where it is not to be had.
-bool use(benchmark::State &state, DampedSineMethod method)
+/// Selects the method of the benchmark's first argument. Skips the benchmark and returns false if it is not available.
+bool selectMethod(benchmark::State &state)
 {
+    const auto method = static_cast<DampedSineMethod>(state.range(0));
     if (!isAvailable(method))
-        state.SkipWithError("this processor or compiler has no such method");
+        state.SkipWithError("method not available");
     setDampedSineMethod(method);
     return isAvailable(method);
 }
 
-void sinesAlone(benchmark::State &state, DampedSineMethod method)
+/// Makes preset 0 current, in the colour mode of the benchmark's last argument.
+void selectMode(int mode)
 {
-    if (!use(state, method))
+    const QVector<float> row = pdx3.presets.at(0);
+    pdx3.set(row[0], row[1], row[2], row[3], row[4], mode);
+}
+
+void dampedSinesOnly(benchmark::State &state)
+{
+    if (!selectMethod(state))
         return;
     pdx3.set(0);
     const Oscillations all = oscillations();
@@ -74,38 +87,62 @@ void sinesAlone(benchmark::State &state, DampedSineMethod method)
     }
 }
 
-void pass(benchmark::State &state, DampedSineMethod method)
+void pass(benchmark::State &state)
 {
-    if (!use(state, method))
+    if (!selectMethod(state))
         return;
-    const QVector<float> row = pdx3.presets.at(0);
-    pdx3.set(row[0], row[1], row[2], row[3], row[4], static_cast<int>(state.range(0)));
+    selectMode(static_cast<int>(state.range(1)));
     while (state.KeepRunning()) {
         pdx3.calcCoords();
         benchmark::DoNotOptimize(pdx3.points.constData());
     }
 }
 
-/// Point by point, as the curve is defined, with room for the results at hand.
+/// The entry points of OpenGL do nothing here.
+void passAndDraw(benchmark::State &state)
+{
+    if (!selectMethod(state))
+        return;
+    selectMode(static_cast<int>(state.range(1)));
+    while (state.KeepRunning()) {
+        pdx3.draw();
+        pdx3.calcCoords();
+    }
+}
+
 void pointByPoint(benchmark::State &state)
 {
-    const QVector<float> row = pdx3.presets.at(0);
-    pdx3.set(row[0], row[1], row[2], row[3], row[4], static_cast<int>(state.range(0)));
-    QVector<CurvePoint> points;
-    QVector<QColor> colors;
+    selectMode(static_cast<int>(state.range(0)));
+    const ReferenceCurve curve = ReferenceCurve::current();
+    while (state.KeepRunning())
+        benchmark::DoNotOptimize(curve.points().data());
+}
+
+void draw(benchmark::State &state)
+{
+    pdx3.set(0);
+    while (state.KeepRunning())
+        pdx3.draw();
+}
+
+/// The lower limit of draw: the same calls with floats that are ready to use.
+void drawFloats(benchmark::State &state)
+{
+    pdx3.set(0);
+    std::vector<std::array<float, 7>> vertices;
+    for (int i = 0; i < pdx3.nPoints; ++i) {
+        const CurvePoint &point = pdx3.points.at(i);
+        const QColor &color = pdx3.colors.at(i);
+        vertices.push_back({point.x, point.y, point.z, static_cast<float>(color.redF()),
+                            static_cast<float>(color.greenF()), static_cast<float>(color.blueF()), 1.0F});
+    }
     while (state.KeepRunning()) {
-        pdx3.amplitude = pdx3.total;
-        pdx3.t = 0.0F;
-        points.clear();
-        colors.clear();
-        points.reserve(pdx3.nPoints);
-        colors.reserve(pdx3.nPoints);
-        for (int i = 0; i < pdx3.nPoints; ++i) {
-            pdx3.calcSegment(i);
-            points.append({pdx3.x, pdx3.y, pdx3.z});
-            colors.append(QColor(pdx3.red, pdx3.green, pdx3.blue));
+        glBegin(GL_LINE_STRIP);
+        for (const auto &vertex : vertices) {
+            glVertex3f(vertex[0], vertex[1], vertex[2]);
+            glColor4f(vertex[3], vertex[4], vertex[5], vertex[6]);
         }
-        benchmark::DoNotOptimize(points.constData());
+        glEnd();
     }
 }
 
@@ -117,25 +154,23 @@ void palette(benchmark::State &state)
     }
 }
 
+void allMethods(benchmark::internal::Benchmark *benchmark)
+{
+    benchmark->ArgName("method")->DenseRange(0, 3);
+}
+
+void allMethodsAndModes(benchmark::internal::Benchmark *benchmark)
+{
+    benchmark->ArgNames({"method", "mode"})->ArgsProduct({{0, 1, 2, 3}, {0, 1, 2, 3, 4, 5}});
+}
+
 } // namespace
 
 BENCHMARK(bareSines)->Unit(benchmark::kMicrosecond);
 BENCHMARK(pointByPoint)->ArgName("mode")->DenseRange(0, 5)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(sinesAlone, library, DampedSineMethod::Library)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(sinesAlone, baseline, DampedSineMethod::Baseline)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(sinesAlone, avx2, DampedSineMethod::Avx2)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(sinesAlone, avx512, DampedSineMethod::Avx512)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(pass, library, DampedSineMethod::Library)
-    ->ArgName("mode")
-    ->DenseRange(0, 5)
-    ->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(pass, baseline, DampedSineMethod::Baseline)
-    ->ArgName("mode")
-    ->DenseRange(0, 5)
-    ->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(pass, avx2, DampedSineMethod::Avx2)->ArgName("mode")->DenseRange(0, 5)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(pass, avx512, DampedSineMethod::Avx512)
-    ->ArgName("mode")
-    ->DenseRange(0, 5)
-    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(dampedSinesOnly)->Apply(allMethods)->Unit(benchmark::kMicrosecond);
+BENCHMARK(pass)->Apply(allMethodsAndModes)->Unit(benchmark::kMicrosecond);
+BENCHMARK(passAndDraw)->Apply(allMethodsAndModes)->Unit(benchmark::kMicrosecond);
+BENCHMARK(draw)->Unit(benchmark::kMicrosecond);
+BENCHMARK(drawFloats)->Unit(benchmark::kMicrosecond);
 BENCHMARK(palette)->Unit(benchmark::kMicrosecond);

@@ -113,7 +113,7 @@ bool otherSettings()
         }
     }
     pdx3.paletteSize = 512;
-    setUsualSettings();
+    setDefaultSettings();
     return digest.print();
 }
 
@@ -128,7 +128,7 @@ bool randomRows()
         pdx3.next();
         digest.addCurve();
     }
-    setUsualSettings();
+    setDefaultSettings();
     return digest.print();
 }
 

@@ -9,7 +9,7 @@
 
 Q_DECLARE_METATYPE(DampedSineMethod)
 
-/// Gives a test one row for each method that this processor has, in the column "method". The fastest comes last.
+/// Adds a test row for each available method, in the column "method". The fastest method is the last.
 inline void addDampedSineMethods()
 {
     QTest::addColumn<DampedSineMethod>("method");

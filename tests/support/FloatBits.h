@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstring>
 
-/// The bits of `value`.
+/// Returns the bits of `value`.
 inline quint32 bitsOf(float value)
 {
     quint32 bits = 0;
@@ -13,7 +13,7 @@ inline quint32 bitsOf(float value)
     return bits;
 }
 
-/// The bits of `value`.
+/// Returns the bits of `value`.
 inline quint64 bitsOf(double value)
 {
     quint64 bits = 0;
@@ -21,7 +21,7 @@ inline quint64 bitsOf(double value)
     return bits;
 }
 
-/// The float with these bits.
+/// Returns the float with the given bits.
 inline float floatOf(quint32 bits)
 {
     float value = 0.0F;
@@ -29,15 +29,15 @@ inline float floatOf(quint32 bits)
     return value;
 }
 
-/// Whether two floats or two doubles have the same bits, so that -0 differs from 0. Any NaN equals any other, for IEEE
-/// 754 leaves open which one an operation on NaNs gives.
+/// Returns whether two floats or two doubles have the same bits, so that -0 differs from 0. All NaNs are equal, because
+/// IEEE 754 does not specify which NaN an operation on NaNs returns.
 template <typename Float>
 bool sameFloat(Float a, Float b)
 {
     return bitsOf(a) == bitsOf(b) || (std::isnan(a) && std::isnan(b));
 }
 
-/// A float of any bits, from a generator of 32-bit numbers.
+/// Returns a float with random bits from a generator of 32-bit numbers.
 template <typename Generator>
 float anyFloat(Generator &random)
 {

@@ -16,7 +16,7 @@ QVector<float> randomRow(std::mt19937 &random, int number)
 
 void setRandomSettings(std::mt19937 &random, int number)
 {
-    setUsualSettings();
+    setDefaultSettings();
     if (number % 3 == 0)
         pdx3.radiusScale = anyFloat(random);
     if (number % 25 == 0)
@@ -26,7 +26,7 @@ void setRandomSettings(std::mt19937 &random, int number)
     pdx3.step = pdx3.total / (static_cast<float>(random() % 601) + 0.5F);
 }
 
-void setUsualSettings()
+void setDefaultSettings()
 {
     pdx3.total = 1.0F;
     pdx3.step = 6e-5F;

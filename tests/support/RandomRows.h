@@ -4,16 +4,13 @@
 
 #include <random>
 
-/// The number of points of a curve with the settings that the program uses.
-constexpr int usualPointCount = 16666;
-
-/// A row of random bits, the `number`th of a series. But for mode 0, hardly any float names a mode that has a
-/// colouring: every second row names one, or one next to them.
+/// Returns row `number` of a series of rows with random bits. Hardly any random float selects a colour mode other than
+/// 0, so every second row has a mode from -1 to 5.
 QVector<float> randomRow(std::mt19937 &random, int number);
 
-/// Gives the engine other values of `total`, `step` and `radiusScale`, so that the next pass has up to 600 points. For
-/// every 25th `number` the first two are as usual.
+/// Sets the engine's `total`, `step` and `radiusScale` to random values with up to 600 points. For every 25th `number`,
+/// the first two have their default values.
 void setRandomSettings(std::mt19937 &random, int number);
 
-/// Gives the engine the usual values of these again.
-void setUsualSettings();
+/// Sets the engine's `total`, `step` and `radiusScale` to their default values.
+void setDefaultSettings();

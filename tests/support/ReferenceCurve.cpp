@@ -4,19 +4,9 @@
 
 #include "tests/support/FloatBits.h"
 
-#include <array>
 #include <cmath>
 
 namespace {
-
-/// One point with its colour.
-struct Sample
-{
-    float time = 0.0F;
-    float amplitude = 0.0F;
-    std::array<float, 3> at = {};
-    unsigned int color = 0;
-};
 
 float rounded(double value)
 {
@@ -28,66 +18,32 @@ float fraction(float value)
     return rounded(std::fmod(double(value), 1.0));
 }
 
-/// Every sample of the curve. Each rounding to float is a statement of its own.
-std::vector<Sample> trace(const ReferenceCurve &curve)
+/// Compares the fields that the last computed point is left in.
+QByteArray fieldDifference(const ReferencePoint &point)
 {
-    const float turn = 6.28318530717958647692F;
-    std::vector<Sample> samples(curve.size());
-    const float startY = curve.phaseY * turn;
-    const float startZ = curve.phaseZ * turn;
-    Sample sample;
-    sample.amplitude = curve.total;
-    for (std::size_t i = 0; i < samples.size(); ++i) {
-        sample.time = rounded(double(sample.time) + 0.02);
-        sample.amplitude = sample.amplitude - curve.step;
-        const float angleX = curve.freqX * sample.time;
-        const float turnedY = curve.freqY * sample.time;
-        const float turnedZ = curve.freqZ * sample.time;
-        const float angleY = startY + turnedY;
-        const float angleZ = startZ + turnedZ;
-        const std::array<float, 3> angles = {angleX, angleY, angleZ};
-        for (std::size_t axis = 0; axis < 3; ++axis)
-            sample.at[axis] = rounded(std::sin(double(angles[axis])) * double(sample.amplitude));
-
-        float position = 1.0F;
-        if (curve.mode == 0) {
-            position = float(i) / float(samples.size());
-        } else if (curve.mode == 1) {
-            const float height = sample.at[2] / (curve.total * 2.0F);
-            position = fraction(height + 0.5F);
-        } else if (curve.mode == 2) {
-            const float xx = sample.at[0] * sample.at[0];
-            const float yy = sample.at[1] * sample.at[1];
-            const float zz = sample.at[2] * sample.at[2];
-            const float xxyy = xx + yy;
-            const float square = xxyy + zz;
-            // The square root of a double that holds a float, rounded to float, is the float's own square root.
-            const float radius = rounded(std::sqrt(double(square)));
-            const float scaled = radius / curve.radiusScale;
-            position = scaled * 1.5F;
-        } else if (curve.mode == 3) {
-            position = fraction(sample.time / turn);
-        } else if (curve.mode == 4) {
-            position = fraction(sample.time / (turn / 8.0F));
-        }
-
-        const auto size = static_cast<double>(curve.palette.size());
-        const float entry = float(size) * position;
-        const double whole = std::trunc(double(entry));
-        const bool onPalette = whole >= 0.0 && whole < 2147483648.0;
-        const double index = onPalette ? std::fmod(whole, size) : 0.0;
-        sample.color = curve.palette[static_cast<std::size_t>(index)];
-        samples[i] = sample;
-    }
-    return samples;
+    if (!sameFloat(pdx3.t, point.time) || !sameFloat(pdx3.amplitude, point.amplitude))
+        return "time or amplitude";
+    if (!sameFloat(pdx3.x, point.at[0]) || !sameFloat(pdx3.y, point.at[1]) || !sameFloat(pdx3.z, point.at[2]))
+        return "position";
+    const auto packed = static_cast<unsigned int>((pdx3.red * 256 + pdx3.green) * 256 + pdx3.blue);
+    return packed == point.color && pdx3.alpha == 1 ? QByteArray() : QByteArray("colour");
 }
 
 } // namespace
 
 ReferenceCurve ReferenceCurve::current()
 {
-    return {pdx3.freq2,     pdx3.freq1, pdx3.freq3, pdx3.phase1,      pdx3.phase2,
-            pdx3.colorMode, pdx3.total, pdx3.step,  pdx3.radiusScale, {pdx3.palette, pdx3.palette + pdx3.paletteSize}};
+    return {pdx3.freq2,
+            pdx3.freq1,
+            pdx3.freq3,
+            pdx3.phase1,
+            pdx3.phase2,
+            pdx3.colorMode,
+            pdx3.total,
+            pdx3.step,
+            pdx3.radiusScale,
+            pdx3.twoPi,
+            {pdx3.palette, pdx3.palette + pdx3.paletteSize}};
 }
 
 std::size_t ReferenceCurve::size() const
@@ -97,29 +53,87 @@ std::size_t ReferenceCurve::size() const
     return count >= 1.0 && count < 2147483648.0 ? static_cast<std::size_t>(count) : 0;
 }
 
+// Each rounding to float is a statement of its own.
+std::vector<ReferencePoint> ReferenceCurve::points() const
+{
+    std::vector<ReferencePoint> samples(size());
+    const float startY = phaseY * turn;
+    const float startZ = phaseZ * turn;
+    ReferencePoint sample;
+    sample.amplitude = total;
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        sample.time = rounded(double(sample.time) + 0.02);
+        sample.amplitude = sample.amplitude - step;
+        const float angleX = freqX * sample.time;
+        const float turnedY = freqY * sample.time;
+        const float turnedZ = freqZ * sample.time;
+        const float angleY = startY + turnedY;
+        const float angleZ = startZ + turnedZ;
+        const std::array<float, 3> angles = {angleX, angleY, angleZ};
+        for (std::size_t axis = 0; axis < 3; ++axis)
+            sample.at[axis] = rounded(std::sin(double(angles[axis])) * double(sample.amplitude));
+
+        float position = 1.0F;
+        if (mode == 0) {
+            position = float(i) / float(samples.size());
+        } else if (mode == 1) {
+            const float height = sample.at[2] / (total * 2.0F);
+            position = fraction(height + 0.5F);
+        } else if (mode == 2) {
+            const float xx = sample.at[0] * sample.at[0];
+            const float yy = sample.at[1] * sample.at[1];
+            const float zz = sample.at[2] * sample.at[2];
+            const float xxyy = xx + yy;
+            const float square = xxyy + zz;
+            // The square root of a double that holds a float, rounded to float, is the float's own square root.
+            const float radius = rounded(std::sqrt(double(square)));
+            const float scaled = radius / radiusScale;
+            position = scaled * 1.5F;
+        } else if (mode == 3) {
+            position = fraction(sample.time / turn);
+        } else if (mode == 4) {
+            position = fraction(sample.time / (turn / 8.0F));
+        }
+
+        const auto paletteLength = static_cast<double>(palette.size());
+        const float scaled = float(paletteLength) * position;
+        const double whole = std::trunc(double(scaled));
+        const bool fitsInt = whole >= 0.0 && whole < 2147483648.0;
+        const double index = fitsInt ? std::fmod(whole, paletteLength) : 0.0;
+        sample.color = palette[static_cast<std::size_t>(index)] % 0x1000000U;
+        samples[i] = sample;
+    }
+    return samples;
+}
+
 QByteArray ReferenceCurve::difference() const
 {
-    const std::vector<Sample> samples = trace(*this);
+    const std::vector<ReferencePoint> samples = points();
     const int count = static_cast<int>(samples.size());
     if (pdx3.points.size() != count || pdx3.colors.size() != count)
         return QByteArray::number(pdx3.points.size()) + " points instead of " + QByteArray::number(count);
     for (int i = 0; i < count; ++i) {
-        const Sample &sample = samples[static_cast<std::size_t>(i)];
+        const ReferencePoint &sample = samples[static_cast<std::size_t>(i)];
         const CurvePoint &point = pdx3.points.at(i);
         if (!sameFloat(point.x, sample.at[0]) || !sameFloat(point.y, sample.at[1]) || !sameFloat(point.z, sample.at[2]))
             return "position of point " + QByteArray::number(i);
         if (pdx3.colors.at(i) != QColor(0xFF000000U | sample.color))
             return "colour of point " + QByteArray::number(i);
     }
-    if (count > 0) {
-        const Sample &last = samples.back();
-        if (!sameFloat(pdx3.t, last.time) || !sameFloat(pdx3.amplitude, last.amplitude))
-            return "time and amplitude after the pass";
-        if (!sameFloat(pdx3.x, last.at[0]) || !sameFloat(pdx3.y, last.at[1]) || !sameFloat(pdx3.z, last.at[2]))
-            return "position after the pass";
-        const auto packed = static_cast<unsigned int>((pdx3.red * 256 + pdx3.green) * 256 + pdx3.blue);
-        if (packed != last.color || pdx3.alpha != 1)
-            return "colour after the pass";
+    const QByteArray different = count > 0 ? fieldDifference(samples.back()) : QByteArray();
+    return different.isEmpty() ? different : different + " after the pass";
+}
+
+QByteArray ReferenceCurve::segmentDifference() const
+{
+    const std::vector<ReferencePoint> samples = points();
+    pdx3.t = 0.0F;
+    pdx3.amplitude = pdx3.total;
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        pdx3.calcSegment(static_cast<int>(i));
+        const QByteArray different = fieldDifference(samples[i]);
+        if (!different.isEmpty())
+            return different + " of segment " + QByteArray::number(static_cast<int>(i));
     }
     return {};
 }

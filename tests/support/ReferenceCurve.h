@@ -2,10 +2,19 @@
 
 #include <QByteArray>
 
+#include <array>
 #include <vector>
 
-/// The curve once more, computed point by point and in other words than the engine's: what the engine's numbers are
-/// compared with, bit for bit.
+/// One point of a ReferenceCurve.
+struct ReferencePoint
+{
+    float time = 0.0F;
+    float amplitude = 0.0F;
+    std::array<float, 3> at = {};
+    unsigned int color = 0;
+};
+
+/// The curve, computed point by point and independently of the engine: the reference for the engine's results.
 struct ReferenceCurve
 {
     float freqX = 0.0F;
@@ -17,21 +26,33 @@ struct ReferenceCurve
     float total = 1.0F;
     float step = 6e-5F;
     float radiusScale = 1.0F;
+    float turn = 6.28318530717958647692F;
     std::vector<unsigned int> palette;
 
-    /// The curve that the engine stands for at this moment.
+    /// Returns the curve of the engine's current parameters.
     static ReferenceCurve current();
 
-    /// The number of points that it has.
+    /// Returns the number of points.
     std::size_t size() const;
 
-    /// Empty if the curve that the engine has computed is this one, else the first difference.
+    /// Computes all points.
+    std::vector<ReferencePoint> points() const;
+
+    /// Compares the engine's lists and fields after a pass, bit for bit. Returns the first difference, or an empty
+    /// text.
     QByteArray difference() const;
+
+    /// Computes each point with calcSegment and compares the engine's fields, bit for bit. Returns the first
+    /// difference, or an empty text.
+    QByteArray segmentDifference() const;
 };
 
-/// Fails the test unless the engine has computed the curve that it stands for.
-#define VERIFY_CURVE()                                                                                                 \
+/// Fails the test unless `difference`, a result of the functions above, is empty.
+#define VERIFY_SAME(difference)                                                                                        \
     do {                                                                                                               \
-        const QByteArray different = ReferenceCurve::current().difference();                                           \
+        const QByteArray different = difference;                                                                       \
         QVERIFY2(different.isEmpty(), different);                                                                      \
     } while (false)
+
+/// Fails the test unless the engine has computed the curve of its current parameters.
+#define VERIFY_CURVE() VERIFY_SAME(ReferenceCurve::current().difference())

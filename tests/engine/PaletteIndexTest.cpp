@@ -1,0 +1,102 @@
+#include "engine/PaletteIndex.h"
+
+#include "tests/support/FloatBits.h"
+#include "tests/support/SampleSize.h"
+
+#include <QtTest>
+
+#include <cmath>
+#include <limits>
+#include <vector>
+
+namespace {
+
+/// Floats of every exponent with the mantissas that are hardest to round, and a sample of all floats.
+std::vector<float> sampleFloats()
+{
+    std::vector<float> values;
+    for (quint32 exponent = 0; exponent < 512; ++exponent) {
+        for (const quint32 mantissa : {0U, 1U, 2U, 0x3FFFFFU, 0x400000U, 0x400001U, 0x7FFFFEU, 0x7FFFFFU})
+            values.push_back(floatOf(exponent << 23U | mantissa));
+    }
+    const int stride = sampleSize(100003, 1009);
+    for (quint64 bits = 0; bits < 0x100000000U; bits += static_cast<quint64>(stride))
+        values.push_back(floatOf(static_cast<quint32>(bits)));
+    return values;
+}
+
+/// int(size * position) % size in double arithmetic, which is exact here. 0 where it is not defined.
+int expectedIndex(float position, int size)
+{
+    volatile float scaled = float(size) * position;
+    const double whole = std::trunc(double(scaled));
+    return whole >= 0.0 && whole < 2147483648.0 ? static_cast<int>(std::fmod(whole, double(size))) : 0;
+}
+
+} // namespace
+
+class PaletteIndexTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void fractionalPartIsExactForEveryFloat()
+    {
+        for (const float value : sampleFloats()) {
+            const auto expected = static_cast<float>(std::fmod(double(value), 1.0));
+            QVERIFY(fractionalPart(value) == expected || (std::isnan(fractionalPart(value)) && std::isnan(expected)));
+        }
+        QCOMPARE(bitsOf(fractionalPart(2.75F)), bitsOf(0.75F));
+        QCOMPARE(bitsOf(fractionalPart(-2.75F)), bitsOf(-0.75F));
+        QCOMPARE(bitsOf(fractionalPart(8388607.5F)), bitsOf(0.5F));
+    }
+
+    void indexIsExactForEveryFloatAndSize()
+    {
+        const std::vector<float> positions = sampleFloats();
+        for (const int size : {1, 2, 3, 7, 12, 256, 500, 511, 512, 513, 65536, 16777216, 1073741824, 2147483647}) {
+            for (const float position : positions)
+                QCOMPARE(paletteIndex(position, size), expectedIndex(position, size));
+        }
+        for (int size = 1; size <= 1200; ++size) {
+            for (int whole = 0; whole <= 3 * size; whole += 1 + size / 8) {
+                const float position = static_cast<float>(whole) / static_cast<float>(size);
+                QCOMPARE(paletteIndex(position, size), expectedIndex(position, size));
+            }
+        }
+    }
+
+    void index_data()
+    {
+        constexpr float infinity = std::numeric_limits<float>::infinity();
+        QTest::addColumn<float>("position");
+        QTest::addColumn<int>("size");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("start") << 0.0F << 512 << 0;
+        QTest::newRow("minus zero") << -0.0F << 512 << 0;
+        QTest::newRow("half") << 0.5F << 512 << 256;
+        QTest::newRow("just below half") << 0.49999997F << 512 << 255;
+        QTest::newRow("last") << 0.9999999F << 512 << 511;
+        QTest::newRow("one") << 1.0F << 512 << 0;
+        QTest::newRow("two and a half") << 2.6F << 512 << 307;
+        QTest::newRow("other size") << 2.6F << 500 << 300;
+        QTest::newRow("negative") << -0.3F << 512 << 0;
+        QTest::newRow("very negative") << -1e38F << 512 << 0;
+        QTest::newRow("highest that fits an int") << 4194303.75F << 512 << 384;
+        QTest::newRow("beyond an int") << 4194304.0F << 500 << 0;
+        QTest::newRow("inf") << infinity << 512 << 0;
+        QTest::newRow("-inf") << -infinity << 512 << 0;
+        QTest::newRow("nan") << std::numeric_limits<float>::quiet_NaN() << 512 << 0;
+    }
+
+    void index()
+    {
+        QFETCH(float, position);
+        QFETCH(int, size);
+        QFETCH(int, expected);
+        QCOMPARE(paletteIndex(position, size), expected);
+    }
+};
+
+QTEST_APPLESS_MAIN(PaletteIndexTest)
+#include "PaletteIndexTest.moc"

@@ -1,0 +1,99 @@
+// Speculative recurrences against the same values computed serially, bit for bit.
+
+#include "engine/Recurrence.h"
+
+#include <QtTest>
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace {
+
+constexpr float infinity = std::numeric_limits<float>::infinity();
+constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
+
+/// Compares two calls of fillRecurrence, for `cut` and the rest of `count` values, with serial steps.
+template <typename Next>
+bool isExact(float start, int count, int cut, Next next)
+{
+    std::vector<float> values(static_cast<std::size_t>(count) + 1, 77.0F);
+    const float middle = fillRecurrence(start, values.data(), cut, next);
+    const float last = fillRecurrence(middle, values.data() + cut, count - cut, next);
+    float value = start;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+        value = next(value);
+        if (!sameBits(values[i], value))
+            return false;
+    }
+    return sameBits(last, value) && sameBits(values.back(), 77.0F); // nothing is written past the end
+}
+
+} // namespace
+
+class RecurrenceTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void sameBitsComparesSignsAndNaN()
+    {
+        QVERIFY(sameBits(1.0F, 1.0F));
+        QVERIFY(!sameBits(1.0F, std::nextafter(1.0F, 2.0F)));
+        QVERIFY(!sameBits(0.0F, -0.0F));
+        QVERIFY(sameBits(notANumber, notANumber));
+    }
+
+    void everyCount()
+    {
+        for (int count = 0; count < 300; ++count)
+            QVERIFY(isExact(0.5F, count, count / 3, [](float value) { return value + 0.001F; }));
+        float untouched = 3.0F;
+        QCOMPARE(fillRecurrence(2.0F, &untouched, -1, [](float value) { return value + 1.0F; }), 2.0F);
+        QCOMPARE(untouched, 3.0F);
+    }
+
+    void timesAndAmplitudes()
+    {
+        QVERIFY(isExact(0.0F, 50000, 777, [](float t) { return static_cast<float>(double(t) + 0.02); }));
+        QVERIFY(isExact(1.0F, 50000, 0, [](float a) { return a - 6e-5F; })); // past zero
+    }
+
+    void randomSums()
+    {
+        std::mt19937 random(3);
+        std::uniform_int_distribution<int> exponent(-30, 30);
+        std::uniform_real_distribution<float> mantissa(-2.0F, 2.0F);
+        for (int k = 0; k < 300; ++k) {
+            const float start = std::ldexp(mantissa(random), exponent(random));
+            const float step = std::ldexp(mantissa(random), exponent(random));
+            QVERIFY(isExact(start, 1000, k, [step](float value) { return value + step; }));
+            const double inDouble = double(step) * 1.1;
+            QVERIFY(isExact(start, 1000, k, [=](float value) { return static_cast<float>(double(value) + inDouble); }));
+        }
+    }
+
+    void specialStartsAndSteps()
+    {
+        const std::vector<float> values = {0.0F,   -0.0F,    1e-45F,    -1e-45F,    1e-38F,  1e38F,
+                                           -1e38F, infinity, -infinity, notANumber, 3.4e38F, 1.0F};
+        for (const float start : values) {
+            for (const float step : values) {
+                QVERIFY(isExact(start, 200, 7, [step](float value) { return value + step; }));
+                QVERIFY(isExact(start, 200, 7, [step](float value) { return value - step; }));
+            }
+        }
+    }
+
+    void functionsThatAreNotSums()
+    {
+        QVERIFY(isExact(3.0F, 500, 100, [](float value) { return value * 1.01F; }));
+        QVERIFY(isExact(0.3F, 500, 100, [](float value) { return 3.9F * value * (1.0F - value); }));
+        QVERIFY(isExact(1.0F, 500, 100, [](float value) { return -value; }));
+        QVERIFY(isExact(5.0F, 500, 100, [](float value) { return value > 3.0F ? value - 0.5F : 100.0F; }));
+    }
+};
+
+QTEST_APPLESS_MAIN(RecurrenceTest)
+#include "RecurrenceTest.moc"
