@@ -3,7 +3,7 @@
 if(NOT EXISTS "${manifest}")
   message(FATAL_ERROR "uninstall: nothing is installed: ${manifest} does not exist")
 endif()
-file(STRINGS "${manifest}" files)
+file(STRINGS "${manifest}" files ENCODING UTF-8)
 foreach(file IN LISTS files)
   file(REMOVE "${file}")
   if(EXISTS "${file}")

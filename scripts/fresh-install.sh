@@ -2,8 +2,8 @@
 # Tests the packages of the current commit in bare Debian systems: builds them and the source package in one, installs,
 # uses and removes the Debian package in another. Requires root and debootstrap, downloads some hundreds of MB.
 #   scripts/fresh-install.sh [--base FOLDER] [--allow-expired] [SUITE]
-# SUITE is bookworm by default. --base keeps the bare system in FOLDER for the next run. --allow-expired accepts an archive
-# that is no longer updated, such as a snapshot of unstable.
+# SUITE is bookworm by default. --base keeps the bare system in FOLDER for the next run. --allow-expired accepts an
+# archive that is no longer updated, such as a snapshot of unstable.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/fresh-system-functions.sh
@@ -13,7 +13,8 @@ SECONDS=0
 
 # install NAME PACKAGE ...: installs packages and their dependencies in the system NAME.
 install() {
-  in_system "$1" env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 install --yes --no-install-recommends "${@:2}" > "$scratch/apt.log" 2>&1 ||
+  in_system "$1" env DEBIAN_FRONTEND=noninteractive \
+    apt-get -qq -o Dpkg::Use-Pty=0 install --yes --no-install-recommends "${@:2}" > "$scratch/apt.log" 2>&1 ||
     { cat "$scratch/apt.log" >&2; return 1; }
 }
 

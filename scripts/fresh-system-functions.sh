@@ -49,8 +49,8 @@ step() {
   printf '\n==> %s\n' "$current"
 }
 
-# bootstrap FOLDER: makes a minimal system of the suite with debootstrap, from its default mirror. Fails if the archive's
-# signature cannot be verified: an older Debian may require a newer debian-archive-keyring.
+# bootstrap FOLDER: makes a minimal system of the suite with debootstrap, from its default mirror. Fails if it cannot verify
+# the archive's signature; an older Debian may require a newer debian-archive-keyring.
 bootstrap() {
   # The namespace also removes the mounts of an interrupted debootstrap.
   unshare --mount --pid --fork --kill-child \

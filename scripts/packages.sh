@@ -82,7 +82,8 @@ install_missing() {
   local install=(install --yes --no-install-recommends "${packages[@]}")
   if [ "$(id -u)" -ne 0 ]; then
     command -v sudo > /dev/null ||
-      fail "packages are missing, and only root can install them. Ask an administrator to run:"$'\n'"apt-get ${install[*]}"
+      fail "packages are missing, and only root can install them. Ask an administrator to run:
+apt-get ${install[*]}"
     as_root=(sudo)
   fi
   apt_get update

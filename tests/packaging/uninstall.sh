@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Tests the target `uninstall` in a build folder of its own: uninstall.sh SOURCE PROGRAM FOLDER CMAKE_OPTION ...
+# Tests the target `uninstall` in a new build folder: uninstall.sh SOURCE PROGRAM FOLDER CMAKE_OPTION ...
 # Installs PROGRAM, a file, instead of building one. FOLDER is removed first.
 set -euo pipefail
 source=$1 program=$2 folder=$3
@@ -7,7 +7,7 @@ shift 3
 manifest=$folder/build/install_manifest.txt
 
 # expect WHAT COMMAND ...: fails unless the command succeeds.
-expect() { "${@:2}" || { echo "This does not hold: $1" >&2; exit 1; }; }
+expect() { "${@:2}" || { echo "uninstall.sh: failed: $1" >&2; exit 1; }; }
 has_no_files() { [ -z "$(find "$1" -type f)" ]; }
 files_of() { find "$1" -type f | sort; }
 uninstall() { cmake --build "$folder/build" --target uninstall; }
@@ -38,6 +38,6 @@ expect "uninstall removes nothing else" [ -x component/bin/pendrix3d ]
 expect "without a manifest uninstall fails" eval '! uninstall > log'
 expect "uninstall reports a missing manifest" grep --quiet "uninstall: nothing is installed" log
 
-cmake --install build --prefix "$folder/prefix" > log
+cmake --install build --prefix "$folder/préfixe à part" > log
 uninstall > log
-expect "uninstall removes files that were installed without DESTDIR" has_no_files prefix
+expect "uninstall removes files that were installed without DESTDIR" has_no_files "préfixe à part"
