@@ -3,55 +3,40 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
+#include <QPixmap>
 #include <QProcess>
+#include <QScreen>
 
-#include <cstring>
-
-// After Qt's headers: X11 defines macros of everyday names.
+// After Qt's headers: X11 defines macros with common names.
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 
 namespace {
 
-/// Windows come and go while we look; that one has gone is an answer and no error.
-int ignoreError(Display * /*display*/, XErrorEvent * /*event*/)
-{
-    return 0;
-}
-
 Display *display()
 {
-    static Display *const connection = [] {
-        XSetErrorHandler(ignoreError);
-        return XOpenDisplay(nullptr);
-    }();
+    static Display *const connection = XOpenDisplay(nullptr);
     return connection;
 }
 
-/// The values of the window's property `name`: a list of `type`, in 32 bits each.
-QVector<unsigned long> propertyOf(Window window, const char *name, Atom type)
+bool isWindowManagerReady()
 {
-    Atom actualType = 0;
+    Atom type = None;
     int format = 0;
     unsigned long count = 0;
     unsigned long left = 0;
     unsigned char *data = nullptr;
-    QVector<unsigned long> values;
-    if (XGetWindowProperty(display(), window, XInternAtom(display(), name, False), 0, 1000, False, type, &actualType,
-                           &format, &count, &left, &data) == Success &&
-        data) {
-        if (actualType == type && format == 32) {
-            values.resize(static_cast<int>(count));
-            std::memcpy(values.data(), data, count * sizeof(unsigned long));
-        }
+    XGetWindowProperty(display(), DefaultRootWindow(display()),
+                       XInternAtom(display(), "_NET_SUPPORTING_WM_CHECK", False), 0, 1, False, XA_WINDOW, &type,
+                       &format, &count, &left, &data);
+    if (data)
         XFree(data);
-    }
-    return values;
+    return type == XA_WINDOW;
 }
 
 bool isTaken = false;
 
-/// A text on the clipboard that knows when it is taken.
+/// Clipboard text that records when a program reads it.
 class Offer : public QMimeData
 {
 public:
@@ -79,81 +64,42 @@ bool Desktop::startWindowManager()
     } manager;
     manager.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     manager.start("openbox", {"--config-file", PENDRIX_WINDOW_MANAGER_SETTINGS});
-    return manager.waitForStarted() &&
-           QTest::qWaitFor(
-               [] {
-                   return !propertyOf(DefaultRootWindow(display()), "_NET_SUPPORTING_WM_CHECK", XA_WINDOW).isEmpty();
-               },
-               patience);
-}
-
-QVector<WId> Desktop::windowsOf(qint64 pid)
-{
-    const QVector<unsigned long> all = propertyOf(DefaultRootWindow(display()), "_NET_CLIENT_LIST", XA_WINDOW);
-    QVector<WId> windows;
-    for (const unsigned long window : all) {
-        if (propertyOf(window, "_NET_WM_PID", XA_CARDINAL).value(0) == static_cast<unsigned long>(pid))
-            windows << window;
-    }
-    return windows;
-}
-
-QString Desktop::titleOf(WId window)
-{
-    char *name = nullptr;
-    if (!XFetchName(display(), window, &name) || !name)
-        return {};
-    QString title = QString::fromUtf8(name);
-    XFree(name);
-    return title;
-}
-
-QRect Desktop::geometryOf(WId window)
-{
-    XWindowAttributes attributes = {};
-    int x = 0;
-    int y = 0;
-    Window child = 0;
-    if (!XGetWindowAttributes(display(), window, &attributes) ||
-        !XTranslateCoordinates(display(), window, attributes.root, 0, 0, &x, &y, &child))
-        return {};
-    return {x, y, attributes.width, attributes.height};
-}
-
-WId Desktop::activeWindow()
-{
-    // Not what the window manager says is active: the keys go there a moment later.
-    Window window = 0;
-    int revert = 0;
-    XGetInputFocus(display(), &window, &revert);
-    return window;
+    return manager.waitForStarted() && QTest::qWaitFor(isWindowManagerReady, patience);
 }
 
 void Desktop::close(WId window)
 {
-    constexpr long fromTheUser = 2; // by way of a program that looks after others' windows
+    constexpr long fromPager = 2; // source of the request: a task bar or pager
     XEvent event = {};
     event.xclient.type = ClientMessage;
     event.xclient.window = window;
     event.xclient.message_type = XInternAtom(display(), "_NET_CLOSE_WINDOW", False);
     event.xclient.format = 32;
     event.xclient.data.l[0] = CurrentTime;
-    event.xclient.data.l[1] = fromTheUser;
+    event.xclient.data.l[1] = fromPager;
     XSendEvent(display(), DefaultRootWindow(display()), False, SubstructureRedirectMask | SubstructureNotifyMask,
                &event);
     XFlush(display());
 }
 
-void Desktop::touch(const QStringList &words)
+QImage Desktop::picture(const QRect &area)
 {
-    if (QProcess::execute("xdotool", words) != 0)
-        QTest::qFail(qPrintable("xdotool has failed: " + words.join(' ')), __FILE__, __LINE__);
+    QScreen *screen = QGuiApplication::primaryScreen();
+    const QRect visible = area & screen->geometry();
+    return screen->grabWindow(0, visible.x(), visible.y(), visible.width(), visible.height())
+        .toImage()
+        .convertToFormat(QImage::Format_RGB32);
 }
 
-void Desktop::click(WId window, QPoint point)
+void Desktop::xdotool(const QStringList &arguments)
 {
-    touch({"mousemove", "--window", QString::number(window), QString::number(point.x()), QString::number(point.y()),
-           "click", "1"});
+    if (QProcess::execute("xdotool", arguments) != 0)
+        QTest::qFail(qPrintable("xdotool failed: " + arguments.join(' ')), __FILE__, __LINE__);
+}
+
+QStringList Desktop::moveTo(QPoint point)
+{
+    return {"mousemove", QString::number(point.x()), QString::number(point.y())};
 }
 
 void Desktop::putOnClipboard(const QByteArray &text)
@@ -176,7 +122,7 @@ QByteArray Desktop::clipboard()
 {
     QProcess xclip;
     xclip.start("xclip", {"-selection", "clipboard", "-out"});
-    // It may be ourselves whom it asks.
+    // Keep the event loop running: this process may own the clipboard.
     if (!QTest::qWaitFor([&xclip] { return xclip.state() == QProcess::NotRunning; }, patience))
         xclip.kill();
     return xclip.readAllStandardOutput();

@@ -1,57 +1,47 @@
 #pragma once
 
+#include <QImage>
 #include <QRect>
-#include <QString>
 #include <QStringList>
-#include <QVector>
 #include <QWindow>
 #include <QtTest>
 
-/// The X display that the test has to itself, with a window manager, as seen from outside the programs on it.
+/// The test's X display and its window manager, seen from outside the programs on it.
 namespace Desktop {
 
-/// How long to wait for anything, in ms; a software renderer on a loaded machine takes its time.
+/// Longest wait for any effect, in ms: a software renderer on a loaded machine is slow.
 constexpr int patience = 20000;
 
-/// Starts the window manager, which lives as long as the process. False if it does not come up.
+/// Starts the window manager, which lives as long as the process. Returns false if it does not start.
 bool startWindowManager();
-
-/// The windows of the process `pid` that the window manager looks after, oldest first.
-QVector<WId> windowsOf(qint64 pid);
-
-/// The window's title.
-QString titleOf(WId window);
-
-/// The window without its frame, in pixels of the screen.
-QRect geometryOf(WId window);
-
-/// The window that has the keyboard.
-WId activeWindow();
 
 /// Asks the window manager to close the window, as a task bar does.
 void close(WId window);
 
-/// Pointer and keys, in the words of xdotool. A failure is one of the running test.
-void touch(const QStringList &words);
+/// Returns what the screen shows of `area`.
+QImage picture(const QRect &area);
 
-/// Clicks at `point` of the window.
-void click(WId window, QPoint point);
+/// Runs xdotool. Fails the running test if xdotool fails.
+void xdotool(const QStringList &arguments);
+
+/// Returns the arguments that move the pointer to `point` of the screen.
+QStringList moveTo(QPoint point);
 
 /// Puts `text` on the clipboard.
 void putOnClipboard(const QByteArray &text);
 
-/// Whether a program has taken the text that putOnClipboard put there last.
+/// Returns whether a program has read the text of the last putOnClipboard.
 bool isTakenFromClipboard();
 
-/// Whether a program has put something on the clipboard since putOnClipboard did.
+/// Returns whether a program has taken over the clipboard since the last putOnClipboard.
 bool isNewOnClipboard();
 
-/// The clipboard's text, as another program gets it.
+/// Returns the clipboard's text, as another program receives it.
 QByteArray clipboard();
 
 } // namespace Desktop
 
-/// QVERIFY and QCOMPARE of what may take a while. The toolkit's own count their pauses and not what a look takes.
+/// QVERIFY and QCOMPARE with a deadline. QTRY_VERIFY counts its pauses only, not the time that a check takes.
 #define VERIFY_SOON(condition) QVERIFY(QTest::qWaitFor([&] { return static_cast<bool>(condition); }, Desktop::patience))
 #define COMPARE_SOON(actual, expected)                                                                                 \
     do {                                                                                                               \

@@ -3,108 +3,85 @@
 #include "tests/e2e/Desktop.h"
 
 #include <QElapsedTimer>
-#include <QImage>
 #include <QMap>
 #include <QProcess>
 #include <QTemporaryDir>
 
-#include <functional>
-#include <memory>
+using Cells = QVector<QPoint>; // column as x, row as y
 
-/// The installed program, running, and what a user can do with it. All positions are pixels of the screen, relative to
-/// the window without its frame.
+/// The installed program with settings of its own, operated by pointer and keys. WindowReport.cpp, preloaded into it,
+/// says where its widgets are. All positions are device pixels relative to the window without its frame.
 class RunningProgram
 {
 public:
     using Environment = QMap<QString, QString>;
 
-    /// A program with a settings folder of its own, which is empty.
-    RunningProgram();
-    /// A program that shares the folder `settings`.
-    explicit RunningProgram(QString settings);
+    RunningProgram() = default;
     ~RunningProgram();
     Q_DISABLE_COPY(RunningProgram)
 
-    /// Starts it, and waits until its window has the keyboard and shows a curve.
+    /// Starts it without waiting for its window.
+    void launch(const Environment &environment = {}, const QStringList &arguments = {});
+    /// Starts it; waits until its window has the keyboard focus and shows a curve. Returns false if that never happens.
     bool start(const Environment &environment = {}, const QStringList &arguments = {});
-
-    /// Whether it runs.
-    bool isRunning() const;
-    /// The folder that it keeps its settings in.
-    QString settings() const { return settingsFolder; }
-    /// The exit code once it has ended by itself; -1 if it crashed or printed anything.
+    /// Closes the window through the window manager; returns exitCode().
+    int close();
+    /// Waits for the end. Returns the exit code; -1 if the program crashed, printed anything or did not end.
     int exitCode();
-    /// Its main window.
-    WId window() const;
-    /// Its open box, once that has the keyboard; 0 if none opens.
-    WId box() const;
-    /// Waits until there is no window but the main one, and that one has the keyboard.
-    bool isAlone() const;
 
-    /// The window's place on the screen.
-    QRect geometry() const;
-    /// What the window shows.
-    QImage picture() const;
-    /// Waits until the view has changed `count` times.
-    bool showsFrames(int count) const;
+    /// Returns WindowReport's answer to `question`.
+    QVector<int> ask(const QByteArray &question);
+    /// Returns a place that WindowReport reports, once there is one.
+    QRect place(const QByteArray &question);
+    /// Returns the middle of a cell, counted from 0.
+    QPoint cell(int row, int column);
+    /// Returns the selected cells.
+    Cells selection();
+    /// Returns whether a cell is being edited.
+    bool isEditing() { return !ask("editor").isEmpty(); }
+    /// Returns the X window of the main window.
+    WId window() { return static_cast<WId>(ask("window").value(0)); }
+    /// Returns the window's place on the screen.
+    QRect geometry() { return place("geometry"); }
+    /// Returns the position of a point of the window on the screen.
+    QPoint onScreen(QPoint point) { return (corner.isNull() ? geometry().topLeft() : corner) + point; }
+    /// Returns what the screen shows of the view.
+    QImage view();
+    /// Waits until `count` frames have been painted.
+    bool paintsFrames(int count);
+    /// Waits until the only window, or else the box on top of it, has the keyboard focus.
+    bool isAlone();
+    bool hasBox();
 
-    /// Clicks at `point` with the keys of `modifiers` held: "shift", "ctrl".
-    void click(QPoint point, const QStringList &modifiers = {});
-    void doubleClick(QPoint point);
-    /// Moves from `from` to `to` with the buttons held: 1 left, 2 middle, 3 right.
+    /// Clicks at `point`, by default once with the left button.
+    void click(QPoint point, int count = 1, int button = 1);
+    /// Drags from `from` to `to` with the buttons held: 1 left, 2 middle, 3 right.
     void drag(QPoint from, QPoint to, const QVector<int> &buttons);
-    /// Presses keys, one after the other, by their names: "ctrl+v", "Return".
+    /// Presses keys, one after the other, by their xdotool names: "ctrl+v", "Return".
     static void press(const QStringList &keys);
-    static void type(const QString &text);
+    /// Types `text`, which opens an editor unless one is open, presses `key`, and waits until the editor is closed.
+    bool edit(const QString &text, const QString &key = "Return");
 
-    /// Presses Ctrl+C, and what the clipboard holds then; nothing if the program puts nothing there.
+    /// Presses Ctrl+C; returns the clipboard's text, nothing if the program does not put any there.
     static QByteArray copy();
-    /// Puts `text` on the clipboard, presses Ctrl+V, and waits until the program takes it.
+    /// Puts `text` on the clipboard, presses Ctrl+V, and waits until the program reads it.
     static void paste(const QByteArray &text);
 
-    /// The cells of the table, found by going through it from its first one, which is the current one afterwards.
-    bool findCells(double scale = 1.0);
-    /// The middle of a cell, counted from 0.
-    QPoint cell(int row, int column) const;
-    /// The middle of a row's label, or of a column's title.
-    QPoint rowLabel(int row) const;
-    QPoint columnTitle(int column) const;
-    QRect firstCell() const { return first; }
-    QPoint cellStep() const { return step; }
-
-    /// Waits until the current cell is being edited, presses `key`, and waits until it no longer is. The cells have to
-    /// be found before.
-    bool closeEditor(const QString &key) const;
-
-    /// Asks the window manager to close the window, waits for the end and tells its exitCode; -1 if there is no end.
-    int close();
+    /// Its settings folder, empty at first.
+    QTemporaryDir settings;
+    /// The window's corner on the screen, where the program does not know it: under Wayland.
+    QPoint corner;
 
 private:
-    /// Lets so much time go by that a press at `point` is no double click together with the one before.
-    void startPress(QPoint point);
-
     QElapsedTimer sincePress;
     QPoint lastPress;
     QProcess process;
-    QTemporaryDir ownFolder;
-    QString settingsFolder;
-    QRect first;
-    QPoint step;
 };
 
-Q_DECLARE_METATYPE(RunningProgram::Environment)
+/// Returns the bounding box of the curve in a picture of the view; empty without a curve.
+QRect curveIn(const QImage &view);
 
-/// The box around what is selected in the table, by the colour of the selection.
-QRect selectionIn(const QImage &picture);
-
-/// Waits until an editor covers some of the current cell of the size `cell`, presses `key`, and waits until none does,
-/// as `picture` shows it: the editor takes every key that comes before it is closed. False if it does not come to that.
-bool closeEditor(const QString &key, QSize cell, const std::function<QImage()> &picture);
-
-/// Types `text` into the current cell, which is not being edited, and presses Return. `picture` shows the table.
-bool enter(const QString &text, const std::function<QImage()> &picture);
-
-/// main of a test program that has the display to itself.
+/// main of a test program with a window manager on its display.
 #define PENDRIX_END_TO_END_MAIN(TestClass)                                                                             \
     int main(int argc, char *argv[])                                                                                   \
     {                                                                                                                  \

@@ -1,0 +1,109 @@
+#include "tests/e2e/Rows.h"
+
+#include "engine/Pendrix3D.h"
+
+#include <QMatrix4x4>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace {
+
+/// Returns the bounding box of the engine's curve in a view of `size`.
+QRect boxOf(const Pendrix3D &engine, const Turn &turn, QSize size)
+{
+    QMatrix4x4 matrix;
+    matrix.viewport(0.0F, 0.0F, static_cast<float>(size.width()), static_cast<float>(size.height()));
+    matrix.perspective(45.0F, static_cast<float>(size.width()) / static_cast<float>(size.height()), 1.0F, 15.0F);
+    matrix.translate(0.0F, 0.0F, -5.0F);
+    matrix.rotate(180.0F - turn.aboutX, 1.0F, 0.0F, 0.0F);
+    matrix.rotate(turn.aboutY, 0.0F, 1.0F, 0.0F);
+    matrix.rotate(turn.aboutZ, 0.0F, 0.0F, 1.0F);
+    QRect box;
+    for (const CurvePoint &point : engine.points) {
+        const QPoint pixel = matrix.map(QVector3D(point.x, point.y, point.z)).toPoint();
+        box |= QRect(pixel.x(), size.height() - pixel.y(), 1, 1);
+    }
+    return box & QRect(QPoint(0, 0), size);
+}
+
+} // namespace
+
+QByteArray textOf(const Rows &rows)
+{
+    QByteArray text;
+    for (const Row &row : rows) {
+        QByteArrayList numbers;
+        for (const float value : row)
+            numbers << QByteArray::number(static_cast<double>(value), 'g', 6);
+        text += numbers.join('\t') + '\n';
+    }
+    return text;
+}
+
+QByteArray presetText()
+{
+    return QByteArray("1\t2\t3\t0.46\t1.5e-08\t1\n"
+                      "2\t3\t4\t0.25\t0\t2\n"
+                      "1\t3\t1\t0.25\t1.5e-08\t4\n"
+                      "2\t1\t3\t0.37\t0\t2\n"
+                      "2\t2\t11\t0.25\t1.5e-08\t2\n"
+                      "1\t1\t1.01\t0.25\t0.29\t0\n"
+                      "4\t4\t22\t0.25\t0\t4\n"
+                      "1\t1\t4\t0.43\t1.5e-08\t3\n"
+                      "1\t2\t0\t0.1\t0.3\t2\n"
+                      "6\t3\t2\t0.21\t0.3\t0\n"
+                      "1\t2\t-1\t0.1\t0.3\t2\n"
+                      "6\t-3\t2\t0.21\t0.3\t0\n") +
+           QByteArray("0\t0\t0\t0\t0\t0\n").repeated(52);
+}
+
+QByteArray presetsBelow(const Rows &rows)
+{
+    return textOf(rows) + presetText().split('\n').mid(rows.size()).join('\n');
+}
+
+Rows distinctRows()
+{
+    return {cone(0.002F),  cone(-0.002F),  cone(0.004F), cone(-0.004F),
+            cone(0.0094F), cone(-0.0094F), cone(0.0F),   cone(1.0F)};
+}
+
+int shownBy(RunningProgram &program)
+{
+    const QImage view = program.view();
+    QVector<int> shown;
+    for (int i = 0; i < distinctRows().size(); ++i) {
+        if (shows(view, distinctRows().at(i)))
+            shown << i;
+    }
+    return shown.size() == 1 ? shown.first() : -1;
+}
+
+bool shows(const QImage &view, const Row &row, const Turn &turn, int frames)
+{
+    constexpr int tolerance = 5; // pixels: line ends, and the animation between the examined frames
+    constexpr int stride = 20;   // frames
+    static Pendrix3D engine;
+    const QRect seen = curveIn(view);
+    engine.set(row);
+    for (int frame = 0; frame <= frames && !seen.isEmpty(); frame += stride) {
+        const QRect box = boxOf(engine, turn, view.size());
+        if (std::abs(box.left() - seen.left()) <= tolerance && std::abs(box.top() - seen.top()) <= tolerance &&
+            std::abs(box.right() - seen.right()) <= tolerance && std::abs(box.bottom() - seen.bottom()) <= tolerance)
+            return true;
+        engine.next(0.0004 * stride, 0.0004 * stride);
+    }
+    return false;
+}
+
+bool isBlue(const QImage &view)
+{
+    for (int y = 0; y < view.height(); ++y) {
+        for (int x = 0; x < view.width(); ++x) {
+            if ((view.pixel(x, y) & 0xFFFF00U) != 0)
+                return false;
+        }
+    }
+    return !curveIn(view).isEmpty();
+}
