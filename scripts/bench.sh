@@ -14,7 +14,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/packages.sh
 install_missing "${to_build[@]}" "${to_measure[@]}"
 cmake --preset release
-cmake --build --preset release
+cmake --build --preset release --target pendrix3d benchmarks
 on_display=scripts/on-virtual-display.sh
 engine=build/release/benchmarks/engine
 app=build/release/benchmarks/app

@@ -76,7 +76,7 @@ configure() {
   esac
   [ "${1#*-}" != O3 ] || flags="-O3 -march=native"
   cmake -S . -B "$folder/$1" -G Ninja -DCMAKE_BUILD_TYPE= "-DCMAKE_CXX_FLAGS=$flags" \
-    -DPENDRIX_BUILD_BENCHMARKS=OFF "${options[@]}" > "$folder/$1.log"
+    "${options[@]}" > "$folder/$1.log"
 }
 
 # digest BUILD: what it computes, to BUILD.digests.

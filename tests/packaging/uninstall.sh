@@ -15,7 +15,7 @@ uninstall() { cmake --build "$folder/build" --target uninstall; }
 rm -rf "$folder"
 mkdir -p "$folder"
 cd "$folder"
-cmake -S "$source" -B build -DPENDRIX_BUILD_TESTS=OFF -DPENDRIX_BUILD_BENCHMARKS=OFF "$@" > log
+cmake -S "$source" -B build -DPENDRIX_BUILD_TESTS=OFF "$@" > log
 cp "$program" build/
 ln -s /nonexistent/manifest "$manifest" # as little writable as the manifest of another user
 
