@@ -4,7 +4,7 @@
 
 namespace {
 
-/// Whether `index` names a value of the parameter list.
+/// Returns whether the parameter list has a value at `index`.
 bool hasValue(const QModelIndex &index)
 {
     return index.row() >= 0 && index.row() < pdx3.paramList.size() && index.column() >= 0 &&
@@ -71,7 +71,7 @@ Qt::ItemFlags Model::flags(const QModelIndex &index) const
 void Model::refresh()
 {
     const QModelIndex topLeft = index(0, 0);
-    // One past the last cell: no index at all, which a view takes as a change of the whole table.
+    // One past the last cell: an invalid index, for which views update the whole table.
     const QModelIndex bottomRight = index(rowCount(), columnCount());
     emit dataChanged(topLeft, bottomRight);
 }

@@ -4,10 +4,10 @@
 
 class Model;
 
-/// The table of the engine's parameter rows. Selecting a cell makes its row the curve on screen.
+/// Table of the engine's parameter rows. Selecting a cell makes its row the displayed curve.
 ///
-/// When one change selects cells in several rows, the row of the first one counts. The engine gets a copy of the row:
-/// an edit of it reaches the curve when the row is selected again. Deselecting leaves the curve as it is.
+/// If one change selects cells in several rows, the row of the first cell is displayed. The engine receives a copy of
+/// the row: an edit reaches the curve when the row is selected again. Deselecting keeps the curve.
 class TableParams : public QTableView
 {
     Q_OBJECT
@@ -16,6 +16,6 @@ public:
     explicit TableParams(QWidget *parent = nullptr);
     ~TableParams() override;
 
-    /// The view's own model, which it owns. Hides QTableView::model, the same object under its base class.
+    /// The view's model, owned by the view. Hides QTableView::model, which returns the same object as its base class.
     Model *model = nullptr;
 };
