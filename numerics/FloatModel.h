@@ -1,10 +1,10 @@
 #pragma once
 
-/// The floating-point arithmetic that the colours and the curve rely on, checked where the compiler can tell.
+/// Compile-time checks of the floating-point model. To be included by every file whose results are fixed to the bit.
 ///
-/// Every result of the program is fixed to the bit, but for which NaN a NaN is: IEEE 754 binary32 and binary64, each
-/// operation rounded once to the type that is written. Contraction into fused multiply-add leaves no trace that could
-/// be checked here; the build switches it off for every target (-ffp-contract=off).
+/// The results require IEEE 754 binary32 and binary64, with each operation rounded once to the type that is written.
+/// Only the bits of NaNs are left open. The compiler cannot check contraction into fused multiply-add: the build
+/// disables it for every target (-ffp-contract=off).
 
 #include <cfloat>
 #include <limits>

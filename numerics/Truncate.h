@@ -2,14 +2,13 @@
 
 #include <limits>
 
-/// `value` truncated toward zero, or `otherwise` when it is NaN or the truncated value does not fit an int.
+/// Returns `value` truncated toward zero, or `fallback` if it is NaN or the result does not fit an int.
 ///
-/// The language leaves such a conversion undefined, and a table cell, the clipboard or the settings may hold any
-/// float. Widening a float to the argument is exact.
-inline int truncatedOr(double value, int otherwise)
+/// Such a conversion is undefined behaviour in C++, and a table cell, the clipboard or the settings may hold any float.
+inline int truncatedOr(double value, int fallback)
 {
-    // The bounds are the neighbours of the int range and exact in double; a NaN fails both comparisons.
+    // The bounds are one beyond the int range and exact in double. NaN fails both comparisons.
     constexpr double below = static_cast<double>(std::numeric_limits<int>::min()) - 1.0;
     constexpr double above = static_cast<double>(std::numeric_limits<int>::max()) + 1.0;
-    return value > below && value < above ? static_cast<int>(value) : otherwise;
+    return value > below && value < above ? static_cast<int>(value) : fallback;
 }

@@ -1,5 +1,7 @@
 #include "color/ColorScale.h"
 
+#include "tests/support/SampleSize.h"
+
 #include <QtTest>
 
 #include <array>
@@ -23,7 +25,7 @@ unsigned int colorOf(const Channels &channels)
     return static_cast<unsigned int>((channels[0] * 256 + channels[1]) * 256 + channels[2]);
 }
 
-/// The low 8 bits of a value's integer part, by arithmetic on the value itself; 0 if it is not finite.
+/// Returns the low 8 bits of a value's integer part by fmod. 0 for NaN and infinities.
 int lowByte(double value)
 {
     if (!std::isfinite(value))
@@ -32,8 +34,8 @@ int lowByte(double value)
     return static_cast<int>(rest < 0.0 ? rest + 256.0 : rest);
 }
 
-// The textbook conversion, written from the hue's six sectors: the position of the largest channel chooses the
-// sector and the other two, in cyclic order, give the offset in it.
+// The textbook conversion by sectors of the hue: the index of the largest channel selects the sector, and the other two
+// channels, in cyclic order, give the offset in it.
 Triple hlsOf(unsigned int c)
 {
     const Channels bytes = channelsOf(c);
@@ -95,6 +97,14 @@ QByteArray hex(unsigned int c)
     return QByteArray("0x") + QByteArray::number(c, 16).rightJustified(8, '0');
 }
 
+/// RGBtoHLS with a result.
+Triple converted(unsigned int c)
+{
+    Triple hls = {-1.0, -1.0, -1.0};
+    RGBtoHLS(c, hls[0], hls[1], hls[2]);
+    return hls;
+}
+
 } // namespace
 
 #define COMPARE_COLORS(actual, expected) QCOMPARE(hex(actual), hex(expected))
@@ -121,13 +131,17 @@ private slots:
         COMPARE_COLORS(ColorScaleHSL(0xFF0000, 0x0000FF, 0.5F), 0x00FF00U);
         COMPARE_COLORS(ColorScaleRGB3(0xFF0000, 0x00FF00, 0x0000FF, 1.0F, 1.0F, 1.0F), 0x555555U);
         COMPARE_COLORS(ColorScaleHSL3(0xFF0000, 0x00FF00, 0x0000FF, 1.0F, 1.0F, 1.0F), 0x00FF00U);
+        // A blend clears the top byte.
+        COMPARE_COLORS(ColorScaleRGB(0xFF000000, 0xFFFFFFFF, 0.5F), 0x00808080U);
+        COMPARE_COLORS(ColorScaleHSL(0xFF000000, 0xFFFFFFFF, 0.5F), 0x007F7F7FU);
+        COMPARE_COLORS(ColorScaleRGB3(0xFF102030, 0xFF405060, 0xFF708090, 5.0F, 0.0F, 0.0F), 0x00102030U);
     }
 
-    void roundingOfTheSums()
+    void sumsAreRoundedToFloatInOrder()
     {
         // 0.49999997 + 0.5 is below 1 in double and 1 in float.
         COMPARE_COLORS(ColorScaleRGB(0x000000, 0x010101, 0.49999997F), 0x000000U);
-        // Where another order of the sums gives another channel.
+        // Another order of the sums would change a channel.
         COMPARE_COLORS(ColorScaleRGB3(0x8D9282, 0xCF0825, 0x20DBFA, 0x1.62a1f6p-3F, 0x1.1cfd14p-1F, 0x1.660fb6p-1F),
                        0x718098U);
         COMPARE_COLORS(ColorScaleRGB3(0x0A8882, 0xD992E2, 0x8185CE, 0x1.8a37a4p-1F, 0x1.6e7d74p-2F, 0x1.59311p-1F),
@@ -135,12 +149,12 @@ private slots:
         COMPARE_COLORS(ColorScaleRGB3(0x0000D5, 0x0000E3, 0x00003F, 0.1F, 0.1F, 0.2F), 141U);
         COMPARE_COLORS(ColorScaleHSL3(0x0A493A, 0xDCAB78, 0xAD6EAD, 0x1.27c1ccp-1F, 0x1.b8ace6p-1F, 0x1.f182aap-4F),
                        0x5AC32CU);
-        // The smallest weight is a weight.
+        // The smallest weight counts.
         const float smallest = std::numeric_limits<float>::denorm_min();
         COMPARE_COLORS(ColorScaleRGB3(0xAA102030, 0, 0, smallest, 0.0F, 0.0F), 0x00102030U);
     }
 
-    void endsKeepAllBits()
+    void endColorsKeepTheirTopByte()
     {
         for (const auto blend : {ColorScaleRGB, ColorScaleHSL}) {
             for (const float t : {0.0F, -0.0F, -1.0F, -1e38F, -std::numeric_limits<float>::infinity()})
@@ -150,15 +164,7 @@ private slots:
         }
     }
 
-    void blendsClearTheTopByte()
-    {
-        COMPARE_COLORS(ColorScaleRGB(0xFF000000, 0xFFFFFFFF, 0.5F), 0x00808080U);
-        COMPARE_COLORS(ColorScaleHSL(0xFF000000, 0xFFFFFFFF, 0.5F), 0x007F7F7FU);
-        COMPARE_COLORS(ColorScaleRGB3(0xFF102030, 0xFF405060, 0xFF708090, 5.0F, 0.0F, 0.0F), 0x00102030U);
-        COMPARE_COLORS(HLStoRGB(0.0, 1.0, 0.0), 0x00FFFFFFU);
-    }
-
-    void weightsOfZeroGiveTheFirstColorWhole()
+    void zeroWeightsReturnTheFirstColor()
     {
         for (const auto blend : {ColorScaleRGB3, ColorScaleHSL3}) {
             COMPARE_COLORS(blend(0xAB123456, 0x00FF00, 0x0000FF, 0.0F, -1.0F, 0.0F), 0xAB123456U);
@@ -169,8 +175,6 @@ private slots:
     void weightsAboveOneCountAsOne()
     {
         for (const auto blend : {ColorScaleRGB3, ColorScaleHSL3}) {
-            COMPARE_COLORS(blend(0x77FF8000, 0x00FF00, 0x0000FF, 5.0F, 0.0F, 0.0F),
-                           blend(0xFF8000, 0x00FF00, 0x0000FF, 1.0F, 0.0F, 0.0F));
             COMPARE_COLORS(blend(0xFF8000, 0x20FF00, 0x0000FF, 3.0F, 0.5F, 1e38F),
                            blend(0xFF8000, 0x20FF00, 0x0000FF, 1.0F, 0.5F, 1.0F));
         }
@@ -178,24 +182,18 @@ private slots:
 
     void knownConversions()
     {
-        double h = -1.0;
-        double l = -1.0;
-        double s = -1.0;
-        RGBtoHLS(0xFFFFFF, h, l, s);
-        QVERIFY(h == 0.0 && l == 1.0 && s == 0.0);
-        RGBtoHLS(0x0000FF, h, l, s);
-        QVERIFY(h == 2.0 / 3.0 && l == 0.5 && s == 1.0);
-        RGBtoHLS(0xFF0000, h, l, s);
-        QVERIFY(h == 0.0 && l == 0.5 && s == 1.0);
-        RGBtoHLS(0x99000000, h, l, s);
-        QVERIFY(h == 0.0 && l == 0.0 && s == 0.0);
-
-        RGBtoHLS(0xC86432, h, l, s);
+        QVERIFY(converted(0xFFFFFF) == (Triple{0.0, 1.0, 0.0}));
+        QVERIFY(converted(0x0000FF) == (Triple{2.0 / 3.0, 0.5, 1.0}));
+        QVERIFY(converted(0xFF0000) == (Triple{0.0, 0.5, 1.0}));
+        QVERIFY(converted(0xFF00FF) == (Triple{5.0 / 6.0, 0.5, 1.0}));
+        QVERIFY(converted(0x99000000) == (Triple{0.0, 0.0, 0.0}));
+        QVERIFY(converted(0x333333) == (Triple{0.0, 0.2, 0.0}));
+        const auto [h, l, s] = converted(0xC86432);
         COMPARE_COLORS(HLStoRGB(h, l, s), 0xC86431U);
         COMPARE_COLORS(HLStoRGB(0.0, 1.0, 0.0), 0xFFFFFFU);
     }
 
-    void lightnessOutOfRangeIsCutToItsLowByte()
+    void lightnessOutOfRangeKeepsItsLowByte()
     {
         COMPARE_COLORS(HLStoRGB(0.0, 2.0, 0.0), 0xFEFEFEU);   // 510 = 0x1FE
         COMPARE_COLORS(HLStoRGB(0.0, -0.01, 0.0), 0xFEFEFEU); // -2.55 becomes -2
@@ -203,11 +201,10 @@ private slots:
         COMPARE_COLORS(HLStoRGB(0.0, -12345678.9, 0.0), 0x696969U);
         COMPARE_COLORS(HLStoRGB(0.0, 1e12 + 0.7, 0.0), 0xB2B2B2U);
         COMPARE_COLORS(HLStoRGB(0.0, 3e13 + 0.1, 0.0), 0x1A1A1AU);
-        for (const double l : {1e10, -1e10, 3.1e15, 8.9e18, 9.3e18, -9.3e18, 1e300, -1e300})
-            COMPARE_COLORS(HLStoRGB(0.3, l, 0.0), static_cast<unsigned int>(lowByte(l * 255.0)) * 0x010101U);
+        COMPARE_COLORS(HLStoRGB(0.0, 1e300, 0.0), 0U);
     }
 
-    void anyGarbageHasAResult()
+    void nonFiniteArgumentsHaveDefinedResults()
     {
         const float nan = std::numeric_limits<float>::quiet_NaN();
         COMPARE_COLORS(ColorScaleRGB(0x123456, 0x654321, nan), 0U);
@@ -224,42 +221,19 @@ private slots:
         }
     }
 
-    void everyGreyAndEveryPaletteStep()
-    {
-        for (unsigned int v = 0; v < 256; ++v) {
-            double h = -1.0;
-            double l = -1.0;
-            double s = -1.0;
-            RGBtoHLS(v * 0x010101U, h, l, s);
-            QVERIFY(h == 0.0 && s == 0.0);
-            QVERIFY(l == 0.5 * (v / 255.0 + v / 255.0));
-        }
-        for (int i = 1; i < 512; ++i) {
-            const double t = i / 512.0;
-            const Triple from = hlsOf(0x0000FF);
-            const Triple to = hlsOf(0xFF0000);
-            COMPARE_COLORS(ColorScaleHSL(0x0000FF, 0xFF0000, static_cast<float>(i) / 512.0F),
-                           rgbOf({(to[0] - from[0]) * t + from[0], (to[1] - from[1]) * t + from[1],
-                                  (to[2] - from[2]) * t + from[2]}));
-        }
-    }
-
     void conversionsOfRandomColors()
     {
-        for (int k = 0; k < 100000; ++k) {
+        for (int k = 0; k < sampleSize(10000, 1000000); ++k) {
             const unsigned int c = randomColor();
-            double h = -1.0;
-            double l = -1.0;
-            double s = -1.0;
-            RGBtoHLS(c, h, l, s);
-            const Triple expected = hlsOf(c);
-            QVERIFY2(h == expected[0] && l == expected[1] && s == expected[2], hex(c));
-            QVERIFY(h >= 0.0 && h < 1.0);
-            COMPARE_COLORS(HLStoRGB(h, l, s), rgbOf(expected));
+            const Triple hls = converted(c);
+            QVERIFY2(hls == hlsOf(c), hex(c));
+            QVERIFY(hls[0] >= 0.0 && hls[0] < 1.0);
+            const unsigned int back = HLStoRGB(hls[0], hls[1], hls[2]);
+            COMPARE_COLORS(back, rgbOf(hls));
 
-            // Back again: at most one unit lower in a channel, never higher.
+            // The round trip lowers a channel by one unit at most.
             const Channels in = channelsOf(c);
-            const Channels out = channelsOf(HLStoRGB(h, l, s));
+            const Channels out = channelsOf(back);
             for (std::size_t channel = 0; channel < 3; ++channel)
                 QVERIFY2(out[channel] == in[channel] || out[channel] == in[channel] - 1, hex(c));
         }
@@ -268,7 +242,7 @@ private slots:
     void randomTriples()
     {
         std::uniform_real_distribution<double> wide(-1.5, 2.5);
-        for (int k = 0; k < 100000; ++k) {
+        for (int k = 0; k < sampleSize(10000, 1000000); ++k) {
             const Triple hls = {wide(random), wide(random), k % 10 ? wide(random) : 0.0};
             COMPARE_COLORS(HLStoRGB(hls[0], hls[1], hls[2]), rgbOf(hls));
         }
@@ -276,7 +250,7 @@ private slots:
 
     void randomBlendsOfTwo()
     {
-        for (int k = 0; k < 100000; ++k) {
+        for (int k = 0; k < sampleSize(10000, 1000000); ++k) {
             const unsigned int c0 = randomColor();
             const unsigned int c1 = randomColor();
             const float t = k % 16 ? randomBetween(0.0F, 1.0F) : std::ldexp(randomBetween(0.5F, 1.0F), -k % 149);
@@ -304,7 +278,7 @@ private slots:
 
     void randomMeansOfThree()
     {
-        for (int k = 0; k < 100000; ++k) {
+        for (int k = 0; k < sampleSize(10000, 1000000); ++k) {
             const std::array<unsigned int, 3> c = {randomColor(), randomColor(), randomColor()};
             std::array<float, 3> w = {randomBetween(-0.5F, 1.5F), randomBetween(-0.5F, 1.5F),
                                       randomBetween(-0.5F, 1.5F)};

@@ -1,6 +1,5 @@
-// Prints a digest of every number that the engine and the blending of colours compute from each of several lists of
-// inputs. Two builds that print the same have computed the same, bit for bit; which NaN a NaN is does not count, for
-// IEEE 754 leaves it open. scripts/every-build.sh compares what different compilers make.
+// Prints a digest for each of several lists of inputs, over every number that the engine and the colour functions
+// compute from it. Two builds that print the same have computed the same, bit for bit, except for the bits of NaNs.
 
 #include "color/ColorScale.h"
 #include "engine/Pendrix3D.h"
@@ -16,8 +15,7 @@
 
 namespace {
 
-/// The digest of numbers in the order in which they are added, and how many they are. Each step of it can be undone: no
-/// single number that differs goes unseen, and of several hardly one set in 2^64.
+/// A 64-bit digest of a sequence of numbers. Each step is a bijection, so a single different number always changes it.
 class Digest
 {
 public:
@@ -30,7 +28,7 @@ public:
         ++count;
     }
 
-    /// Adds the bits of `value`, those of one and the same NaN for all of them.
+    /// Adds the bits of `value`. All NaNs are equal.
     void add(float value) { add(std::isnan(value) ? 0x7FC00000U : bitsOf(value)); }
 
     void add(double value)
@@ -40,7 +38,7 @@ public:
         add(static_cast<quint32>(bits >> 32U));
     }
 
-    /// Adds the curve on screen and all that a pass leaves beside it.
+    /// Adds the engine's curve and the fields that a pass sets.
     void addCurve()
     {
         for (int i = 0; i < Pendrix3D::rowLength; ++i)
@@ -59,7 +57,7 @@ public:
             add(static_cast<quint32>(value));
     }
 
-    /// Prints the digest, the number of numbers and the name of the list. Returns whether that succeeded.
+    /// Prints the digest, the count and the name of the list. Returns whether printing succeeded.
     bool print() const
     {
         return std::printf("%016llx %10lld %s\n", static_cast<unsigned long long>(state), count, listName) > 0;
@@ -120,7 +118,7 @@ bool otherSettings()
 bool randomRows()
 {
     Digest digest("5000 rows of random bits");
-    std::mt19937 random(5000); // the standard fixes its numbers
+    std::mt19937 random(5000); // specified by the C++ standard
     for (int number = 0; number < 5000; ++number) {
         setRandomSettings(random, number);
         pdx3.set(randomRow(random, number));

@@ -97,21 +97,7 @@ private slots:
         }
     }
 
-#if defined(__x86_64__) && defined(__GNUC__)
-    void availabilityFollowsTheProcessor()
-    {
-        QVERIFY(isAvailable(DampedSineMethod::Baseline));
-        QCOMPARE(isAvailable(DampedSineMethod::Avx2), __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma"));
-        QCOMPARE(isAvailable(DampedSineMethod::Avx512),
-                 __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
-                     __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("fma"));
-    }
-#endif
-
-    void everyCount_data()
-    {
-        addDampedSineMethods();
-    }
+    void everyCount_data() { addDampedSineMethods(); }
     void everyCount()
     {
         Inputs inputs;
@@ -121,10 +107,7 @@ private slots:
         }
     }
 
-    void specialValues_data()
-    {
-        addDampedSineMethods();
-    }
+    void specialValues_data() { addDampedSineMethods(); }
     void specialValues()
     {
         const std::vector<float> inRange = {1e-45F, 1.17549435e-38F, 1e-20F, 0.02F,   1.5707964F, 3.1415927F,
@@ -150,10 +133,7 @@ private slots:
         QCOMPARE(inputs.computedByLibm(), static_cast<int>(inputs.angles.size()));
     }
 
-    void randomBits_data()
-    {
-        addDampedSineMethods();
-    }
+    void randomBits_data() { addDampedSineMethods(); }
     void randomBits()
     {
         QVERIFY(expectedForLibm(0, 0) == 0);
@@ -165,10 +145,7 @@ private slots:
     }
 
     /// Argument reduction is hardest where a sine is near 0 or 1.
-    void nearMultiplesOfAQuarterTurn_data()
-    {
-        addDampedSineMethods();
-    }
+    void nearMultiplesOfAQuarterTurn_data() { addDampedSineMethods(); }
     void nearMultiplesOfAQuarterTurn()
     {
         Inputs inputs;
@@ -185,10 +162,7 @@ private slots:
         QVERIFY(computed >= 0 && computed <= limit);
     }
 
-    void undecidedProducts_data()
-    {
-        addDampedSineMethods();
-    }
+    void undecidedProducts_data() { addDampedSineMethods(); }
     void undecidedProducts()
     {
         // Found by a search: the products are less than 2^-51 of their value away from the middle between two floats.

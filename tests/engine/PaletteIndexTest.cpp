@@ -66,35 +66,19 @@ private slots:
         }
     }
 
-    void index_data()
+    void indexOfKnownPositions()
     {
         constexpr float infinity = std::numeric_limits<float>::infinity();
-        QTest::addColumn<float>("position");
-        QTest::addColumn<int>("size");
-        QTest::addColumn<int>("expected");
-        QTest::newRow("start") << 0.0F << 512 << 0;
-        QTest::newRow("minus zero") << -0.0F << 512 << 0;
-        QTest::newRow("half") << 0.5F << 512 << 256;
-        QTest::newRow("just below half") << 0.49999997F << 512 << 255;
-        QTest::newRow("last") << 0.9999999F << 512 << 511;
-        QTest::newRow("one") << 1.0F << 512 << 0;
-        QTest::newRow("two and a half") << 2.6F << 512 << 307;
-        QTest::newRow("other size") << 2.6F << 500 << 300;
-        QTest::newRow("negative") << -0.3F << 512 << 0;
-        QTest::newRow("very negative") << -1e38F << 512 << 0;
-        QTest::newRow("highest that fits an int") << 4194303.75F << 512 << 384;
-        QTest::newRow("beyond an int") << 4194304.0F << 500 << 0;
-        QTest::newRow("inf") << infinity << 512 << 0;
-        QTest::newRow("-inf") << -infinity << 512 << 0;
-        QTest::newRow("nan") << std::numeric_limits<float>::quiet_NaN() << 512 << 0;
-    }
-
-    void index()
-    {
-        QFETCH(float, position);
-        QFETCH(int, size);
-        QFETCH(int, expected);
-        QCOMPARE(paletteIndex(position, size), expected);
+        QCOMPARE(paletteIndex(0.0F, 512), 0);
+        QCOMPARE(paletteIndex(0.49999997F, 512), 255);
+        QCOMPARE(paletteIndex(0.5F, 512), 256);
+        QCOMPARE(paletteIndex(0.9999999F, 512), 511);
+        QCOMPARE(paletteIndex(1.0F, 512), 0);
+        QCOMPARE(paletteIndex(2.6F, 512), 307);
+        QCOMPARE(paletteIndex(2.6F, 500), 300);
+        QCOMPARE(paletteIndex(4194303.75F, 512), 384); // the highest product that fits an int
+        for (const float position : {4194304.0F, -0.3F, -1e38F, infinity, -infinity, std::nanf("")})
+            QCOMPARE(paletteIndex(position, 512), 0);
     }
 };
 

@@ -85,14 +85,6 @@ private slots:
             }
         }
     }
-
-    void functionsThatAreNotSums()
-    {
-        QVERIFY(isExact(3.0F, 500, 100, [](float value) { return value * 1.01F; }));
-        QVERIFY(isExact(0.3F, 500, 100, [](float value) { return 3.9F * value * (1.0F - value); }));
-        QVERIFY(isExact(1.0F, 500, 100, [](float value) { return -value; }));
-        QVERIFY(isExact(5.0F, 500, 100, [](float value) { return value > 3.0F ? value - 0.5F : 100.0F; }));
-    }
 };
 
 QTEST_APPLESS_MAIN(RecurrenceTest)

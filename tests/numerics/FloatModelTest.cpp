@@ -1,4 +1,4 @@
-// What the build's flags must make of floating-point code: each operation rounded once, to the type that is written.
+// Compiled code rounds each floating-point operation once, to the type that is written.
 
 #include "numerics/FloatModel.h"
 
@@ -9,13 +9,13 @@
 
 namespace {
 
-// Volatile, so that the compiler computes when the program runs and not with its own arithmetic.
+// Volatile, so that the program computes at run time.
 volatile float smallest = std::numeric_limits<float>::denorm_min();
 volatile float epsilon = std::numeric_limits<float>::epsilon();
 volatile float one = 1.0F;
 volatile double third = 1.0 / 3.0;
 
-// Pairs of equal work are what a vectoriser joins. Both are rounded to float on their way.
+// A vectoriser combines pairs of equal operations. Each result is rounded to float.
 
 void roundedQuotients(const int *a, double *out)
 {
@@ -31,23 +31,17 @@ void roundedProducts(const double *a, const double *b, double *out)
     out[1] = double(second) * 3.0;
 }
 
-// Called through volatile pointers, so that no call is specialised for the values that it is given.
+// Called through volatile pointers, so that the compiler cannot specialise the calls.
 void (*volatile quotients)(const int *, double *) = roundedQuotients;
 void (*volatile products)(const double *, const double *, double *) = roundedProducts;
 
-// On x86-64 with the fused operation at hand, which portable code does not use; elsewhere as the build has it.
+// On x86-64, with FMA enabled, which the portable build does not use.
 #if defined(__x86_64__)
 #define PENDRIX_WITH_FMA [[gnu::noinline, gnu::target("fma")]]
-bool fmaIsThere()
-{
-    return __builtin_cpu_supports("fma");
-}
+#define PENDRIX_HAS_FMA __builtin_cpu_supports("fma")
 #else
 #define PENDRIX_WITH_FMA [[gnu::noinline]]
-bool fmaIsThere()
-{
-    return true;
-}
+#define PENDRIX_HAS_FMA true
 #endif
 
 PENDRIX_WITH_FMA float productPlus(float a, float b, float c)
@@ -67,7 +61,7 @@ class FloatModelTest : public QObject
     Q_OBJECT
 
 private slots:
-    void pairsKeepTheirRounding()
+    void vectorisedPairsAreRoundedToFloat()
     {
         double out[2] = {};
         const int bytes[] = {29, 31};
@@ -86,19 +80,17 @@ private slots:
         }
     }
 
-    void productsAreRoundedBeforeTheyAreAdded()
+    void productsAreRoundedBeforeAdditions()
     {
-        if (!fmaIsThere()) {
-            QTest::qSkip("this processor has no fused multiply-add", __FILE__, __LINE__);
-            return;
-        }
-        // (1 + e)(1 - e) = 1 - e^2, which rounds to 1; fused with the addition, e^2 would be left over.
+        if (!PENDRIX_HAS_FMA)
+            QSKIP("the processor has no fused multiply-add");
+        // (1 + e)(1 - e) = 1 - e^2 rounds to 1. A fused operation would return -e^2.
         QVERIFY(productPlus(one + epsilon, one - epsilon, -one) == 0.0F);
         const double e = std::numeric_limits<double>::epsilon();
         QVERIFY(productPlus(double(one) + e, double(one) - e, -double(one)) == 0.0);
     }
 
-    void noAlgebraIsDone()
+    void sumsAreNotReassociated()
     {
         const auto tenth = static_cast<float>(third * 0.3);
         volatile float large = 1e8F;
@@ -107,7 +99,7 @@ private slots:
         QVERIFY(std::signbit(minusZero * one) && !std::signbit(minusZero + 0.0F));
     }
 
-    void subnormalsAndNonNumbersExist()
+    void subnormalsAndNonFiniteValuesExist()
     {
         QVERIFY(smallest > 0.0F);
         QVERIFY(smallest * 0.5F == 0.0F);

@@ -19,7 +19,7 @@ void setRandomSettings(std::mt19937 &random, int number)
     setDefaultSettings();
     if (number % 3 == 0)
         pdx3.radiusScale = anyFloat(random);
-    if (number % 25 == 0)
+    if (number % 100 == 0)
         return;
     if (number % 4 == 0)
         pdx3.total = anyFloat(random);
