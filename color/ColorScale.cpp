@@ -15,7 +15,7 @@ struct Hls
     double s;
 };
 
-// Intermediate triples of the two HLS blends; nothing reads them between calls.
+// Intermediate triples of the two HLS blends, not read between calls.
 Hls pair[2];
 Hls triple[3];
 double tripleSum;
@@ -35,10 +35,10 @@ int blue(unsigned int c)
     return static_cast<int>(c & 0xFFU);
 }
 
-/// The low 8 bits of `value`'s integer part. NaN and infinities give 0.
+/// Returns the low 8 bits of the integer part of `value`. NaN and infinities give 0.
 unsigned int byteOf(double value)
 {
-    // From 2^63 on a double is a multiple of 2^11, so its low 8 bits are 0; below, the conversion is defined.
+    // From 2^63 on a double is a multiple of 2^11, so its low 8 bits are 0. Below, the conversion is defined.
     constexpr double twoTo63 = 9223372036854775808.0;
     if (!(std::fabs(value) < twoTo63))
         return 0;
@@ -50,7 +50,7 @@ unsigned int packed(unsigned int r, unsigned int g, unsigned int b)
     return r << 16U | g << 8U | b;
 }
 
-/// Brings a weight into 0 to 1; a NaN stays.
+/// Clamps a weight to 0 to 1. Returns a NaN unchanged.
 float clamped(float weight)
 {
     if (weight < 0.0F)
@@ -71,7 +71,7 @@ double between(double from, double to, double t)
     return (to - from) * t + from;
 }
 
-/// The three weights of a mean, brought into 0 to 1, with their sum.
+/// The three weights of a mean, clamped to 0 to 1, and their sum.
 struct Weights
 {
     Weights(float weight0, float weight1, float weight2)
@@ -85,7 +85,7 @@ struct Weights
         return byteOf(static_cast<double>(value) / static_cast<double>(sum) + 0.5);
     }
 
-    /// Not yet divided by the sum of the weights.
+    /// Returns the weighted sum, not divided by the sum of the weights.
     double weighted(double a, double b, double c) const
     {
         return c * static_cast<double>(w2) + (b * static_cast<double>(w1) + a * static_cast<double>(w0));
@@ -97,8 +97,7 @@ struct Weights
     float sum;
 };
 
-/// The value in 0 to 1 of the channel that lies at hue `x`, where `m1` is the lowest and `m2` the highest value of
-/// the three channels.
+/// Returns the value of the channel at hue `x`. `m1` is the lowest and `m2` the highest value of the three channels.
 double channelAt(double x, double m1, double m2)
 {
     if (x < 0.0)

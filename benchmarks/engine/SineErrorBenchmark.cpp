@@ -1,10 +1,9 @@
-// The greatest error of the vector sine over every positive float of its range, some 1.25 billion, for each
-// instruction set that this processor has; and how often the sines of the presets' curves are left to the C library.
-// A negative angle gives the same sine with the other sign.
+// Measures the greatest error of the vector sine over every positive float of its range, about 1.25 billion, for each
+// available instruction set. A negative angle gives the negative sine. Counts the sines of animated presets that are
+// left to libm.
 //
-// SineErrorBenchmark [N] takes every Nth float only, and fewer frames. The yardstick is the sine of a long double,
-// which here must have 64 bits at least: its own error is then some 2000 times smaller. Ends with 1 if an error is
-// beyond the bound.
+// SineErrorBenchmark [N] measures every Nth float, and fewer frames. The reference is the sine of a long double with 64
+// bits or more, whose error is some 2000 times smaller. Exits with 1 if an error exceeds the bound.
 
 #include "engine/DampedSine.h"
 #include "engine/Pendrix3D.h"
@@ -60,7 +59,7 @@ std::vector<Set> availableSets()
     return available;
 }
 
-/// Compares the sines of `angles` by every set; raises the sets' worst errors.
+/// Compares the sines of `angles` by every set. Updates the worst errors of the sets.
 void compare(const std::vector<float> &angles, std::vector<Set> &sets)
 {
     std::vector<long double> exact(angles.size());
@@ -83,12 +82,11 @@ void compare(const std::vector<float> &angles, std::vector<Set> &sets)
 
 void reportFallbacks(const std::vector<Set> &sets, int framesOfPreset)
 {
-    std::printf("\nSines of animated presets left to the C library (%d frames of each, angles of 0 left out):\n",
-                framesOfPreset);
+    std::printf("\nSines of animated presets left to libm (%d frames each, without angles of 0):\n", framesOfPreset);
     for (const Set &set : sets) {
         setDampedSineMethod(set.method);
-        long settled = 0;
-        long asked = 0;
+        long undecided = 0;
+        long all = 0;
         std::vector<float> angles;
         std::vector<float> amplitudes;
         std::vector<float> displacements;
@@ -110,13 +108,13 @@ void reportFallbacks(const std::vector<Set> &sets, int framesOfPreset)
                 }
             }
             displacements.resize(angles.size());
-            asked += static_cast<long>(angles.size());
-            settled +=
+            all += static_cast<long>(angles.size());
+            undecided +=
                 dampedSines(angles.data(), amplitudes.data(), displacements.data(), static_cast<int>(angles.size()));
             pdx3.freq1 = static_cast<float>(static_cast<double>(pdx3.freq1) + 0.0004);
             pdx3.freq3 = static_cast<float>(static_cast<double>(pdx3.freq3) + 0.0004);
         }
-        std::printf("%-9s %ld of %ld\n", set.name, settled, asked);
+        std::printf("%-9s %ld of %ld\n", set.name, undecided, all);
     }
 }
 
@@ -125,7 +123,7 @@ void reportFallbacks(const std::vector<Set> &sets, int framesOfPreset)
 int main(int argc, char *argv[])
 {
     if (std::numeric_limits<long double>::digits < 64) {
-        std::puts("long double is no yardstick here");
+        std::fputs("SineErrorBenchmark: no reference: long double has less than 64 bits\n", stderr);
         return EXIT_FAILURE;
     }
     const long every = argc > 1 ? std::strtol(argv[1], nullptr, 10) : 1;
@@ -153,7 +151,8 @@ int main(int argc, char *argv[])
     int outcome = EXIT_SUCCESS;
     for (const Set &set : sets) {
         std::printf("%-9s 2^%.3f = %.3f units of 2^-52, at %.9g%s\n", set.name, std::log2(set.worst),
-                    set.worst * 0x1p52, static_cast<double>(set.worstAngle), set.worst < bound ? "" : "  TOO MUCH");
+                    set.worst * 0x1p52, static_cast<double>(set.worstAngle),
+                    set.worst < bound ? "" : "  EXCEEDS THE BOUND");
         if (!(set.worst < bound))
             outcome = EXIT_FAILURE;
     }

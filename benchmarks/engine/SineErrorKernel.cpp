@@ -1,4 +1,4 @@
-// vectorSine alone, compiled as the program's kernel is, once for each instruction set.
+// vectorSine, compiled once for each instruction set like the program's kernel.
 
 #include "engine/VectorSine.h"
 
