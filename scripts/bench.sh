@@ -74,7 +74,7 @@ measure "$on_display" "$app/WindowBenchmark"
       printf "%-42s %6.0f\n", "copy 64 rows", time["copyRows"]
       printf "%-42s %6.0f\n", "paste 64 rows", time["pasteRows"]
     }' "$figures"
-  printf '\nThe program beside its window with nothing in it\n'
+  printf '\nThe program beside its form with a static curve. Required: 1.05 or less for memory and processor per frame\n'
   "$on_display" benchmarks/app/start-and-frames.sh \
     build/release/pendrix3d "$app/pendrix_baseline" "$app/libpendrix_first_frame.so" "$starts"
   echo

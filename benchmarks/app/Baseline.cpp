@@ -1,6 +1,5 @@
-// The program's window with nothing in it: its form and its frame rate, but no curve, no rows, no icons, no settings.
-//
-// What the program costs beyond this is its own; start-and-frames.sh measures it.
+// The least that a window like the program's costs: its form and its frames, drawn from a static array. Has no engine,
+// no rows, no icons and no settings. start-and-frames.sh compares the program with it.
 
 #include "ui_MainWindow.h"
 

@@ -1,11 +1,10 @@
-// To be preloaded into a program that shows its frames with glXSwapBuffers; start-and-frames.sh does so.
-//
-// Watches the frames and then writes one line to the file FIRST_FRAME_REPORT names:
-//     seconds from FIRST_FRAME_START to the first frame, processor seconds (user and system, all threads) until it,
-//     resident kB at it,
+// Preload into a program that shows its frames with glXSwapBuffers, as start-and-frames.sh does. Writes one line to the
+// file that FIRST_FRAME_REPORT names:
+//     seconds from FIRST_FRAME_START to the first frame, processor seconds (user and system, all threads) until then,
+//     resident kB then,
 //     frames of the measured span, its seconds, processor seconds in it,
 //     resident kB at its end
-// FIRST_FRAME_START is the time of the program's start in seconds of the epoch.
+// FIRST_FRAME_START is the start time of the program in seconds since the epoch.
 
 #include <GL/glx.h>
 
@@ -18,8 +17,8 @@
 
 namespace {
 
-constexpr double settling = 1.0; // s after the first frame, in which the span has not begun yet
-constexpr double spanLength = 5.0;
+constexpr double settling = 1.0;   // seconds from the first frame to the span
+constexpr double spanLength = 5.0; // seconds
 
 double secondsOf(clockid_t clock)
 {
@@ -28,7 +27,7 @@ double secondsOf(clockid_t clock)
     return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-/// The process's resident memory in kB, counted page by page: the cheaper VmRSS lags behind.
+/// Returns the process's resident memory in kB, counted page by page: the cheaper VmRSS lags behind.
 long residentMemory()
 {
     std::ifstream sums("/proc/self/smaps_rollup");
@@ -46,11 +45,11 @@ const char *setting(const char *name)
     return value ? value : "";
 }
 
-/// What is known of the frames so far.
+/// Measures the frames.
 class Watch
 {
 public:
-    /// A frame has been handed to the display.
+    /// Call after each frame.
     void frameShown()
     {
         if (reported)
@@ -95,7 +94,7 @@ private:
 
 } // namespace
 
-/// Stands before the library's function of this name, and calls it.
+/// Replaces the library's function of this name, which it calls.
 extern "C" void glXSwapBuffers(Display *dpy, GLXDrawable drawable)
 {
     using Swap = void (*)(Display *, GLXDrawable);

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# What the program costs beyond its empty window: start-and-frames.sh PROGRAM BASELINE PRELOAD [N]
-# Starts PROGRAM and BASELINE (pendrix_baseline) N times each, in turns, with PRELOAD (libpendrix_first_frame.so) watching
-# their frames, and prints what both took. N is 11 unless given; a start takes about seven seconds.
+# Compares the program with pendrix_baseline: start-and-frames.sh PROGRAM BASELINE PRELOAD [N]
+# Starts PROGRAM and BASELINE N times each, in turns, preloads PRELOAD (libpendrix_first_frame.so), which measures their
+# frames, and prints medians and quartiles. N is 11 by default; a start takes about seven seconds.
 # Needs a display: scripts/on-virtual-display.sh benchmarks/app/start-and-frames.sh ...
 set -euo pipefail
 export LC_ALL=C # a dot in numbers
@@ -21,19 +21,19 @@ trap '[ -z "$pid" ] || kill "$pid" 2> /dev/null || :; rm -rf "$scratch"' EXIT
 mkfifo "$scratch/report"
 exec 3<> "$scratch/report"
 
-# measure NAME PROGRAM: starts it with no settings and adds its report, after NAME, to the figures.
+# measure NAME PROGRAM: starts PROGRAM without settings and adds NAME and its report to the figures.
 measure() {
   local report
   rm -rf "$scratch/settings"
   (
-    # The caches of compiled shaders are common to all runs, and none but theirs.
+    # All runs share a cache of compiled shaders with each other only.
     export XDG_CONFIG_HOME=$scratch/settings XDG_CACHE_HOME=$scratch/cache QT_XCB_GL_INTEGRATION=xcb_glx
     export LD_PRELOAD=$preload FIRST_FRAME_REPORT=$scratch/report FIRST_FRAME_START=$EPOCHREALTIME
     exec "$2"
   ) &
   pid=$!
   if ! read -r -t 120 -u 3 report; then
-    echo "$2 has not shown its frames." >&2
+    echo "start-and-frames.sh: no report within 120 s: $2" >&2
     exit 1
   fi
   kill "$pid" 2> /dev/null || :
@@ -42,7 +42,7 @@ measure() {
   echo "$1 $report" >> "$scratch/figures"
 }
 
-# The first start of each fills the caches and does not count.
+# The first start of each only fills the caches.
 measure program "$program"
 measure baseline "$baseline"
 : > "$scratch/figures"
@@ -59,7 +59,7 @@ done
 awk '
   function note(what, value) { figures[$1, what, ++count[$1, what]] = value }
 
-  # The quantile of what NAME took: 0.5 is the median.
+  # Returns the quantile PART, 0 to 1, of the figures WHAT of NAME.
   function quantile(name, what, part,    n, i, j, place, low, sorted) {
     n = count[name, what]
     for (i = 1; i <= n; ++i) {

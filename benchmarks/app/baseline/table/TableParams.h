@@ -3,7 +3,7 @@
 #include <QStandardItemModel>
 #include <QTableView>
 
-/// Stands for the program's table: no rows and no columns.
+/// Replaces the program's table: no rows and no columns.
 class TableParams : public QTableView
 {
 public:
