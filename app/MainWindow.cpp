@@ -1,98 +1,29 @@
 #include "app/MainWindow.h"
 
 #include "app/Clipboard.h"
-#include "app/SettingsFile.h"
-#include "app/SettingsTypes.h"
+#include "app/Settings.h"
+#include "app/SettingsFormat.h"
 #include "app/WindowStateCheck.h"
 #include "engine/Pendrix3D.h"
 #include "table/Model.h"
 #include "ui_MainWindow.h"
 
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QGuiApplication>
 #include <QMessageBox>
 #include <QScreen>
-#include <QSettings>
-#include <QTemporaryFile>
-
-#include <algorithm>
 
 namespace {
 
-constexpr auto windowStateKey = "windowState";
-constexpr auto geometryKey = "geometry";
-constexpr auto colsWidthKey = "colsWidth";
-constexpr auto paramListKey = "paramList";
-
-/// Wider than any screen, in pixels; a greater width can only be damage.
+/// Wider than any screen, in pixels; a larger width is damaged.
 constexpr int widestColumn = 20000;
 
-/// More than the store can grow by in a run, in bytes: 64 rows take about 8000 in the store's text form.
-constexpr qint64 growth = 16384;
-
-using Rows = QVector<QVector<float>>;
-
-/// Whether `rows` has the shape of the engine's parameter list: everyone who reads it relies on 64 rows of six.
-bool isParameterList(const Rows &rows)
-{
-    return rows.size() == Pendrix3D::rowCount && std::all_of(rows.cbegin(), rows.cend(), [](const QVector<float> &row) {
-               return row.size() == Pendrix3D::rowLength;
-           });
-}
-
-/// Shows what has been written to the parameter list outside the table.
+/// Shows changes of the parameter list in the table.
 void refresh(const TableParams &table)
 {
     if (table.model)
         table.model->refresh();
 }
-
-/// Path of the settings file. Asking the toolkit for it opens the file, damaged or not; another program's of the same
-/// organisation stands in the same folder.
-QString settingsPath()
-{
-    const QSettings neighbour(QStringLiteral("quillmoss"), QStringLiteral("pdx3-neighbour"));
-    const QFileInfo file(neighbour.fileName());
-    return file.dir().filePath(file.fileName().replace(QStringLiteral("pdx3-neighbour"), QStringLiteral("pdx3")));
-}
-
-/// Applies what `store` holds to the window, its table and the engine's parameter list.
-void apply(const QSettings &store, MainWindow &window)
-{
-    const QByteArray layout = store.value(windowStateKey).toByteArray();
-    // A toolkit that writes layouts in another form than we know is left alone with them.
-    if (isMainWindowStateCheck(layout) || !isMainWindowStateCheck(window.saveState()))
-        window.restoreState(layout);
-    const QScreen *screen = QGuiApplication::primaryScreen();
-    if (window.restoreGeometry(store.value(geometryKey).toByteArray()) && screen)
-        window.resize(window.size().boundedTo(screen->availableVirtualSize())); // the toolkit takes any size
-
-    TableParams &table = *window.ui->tableParams;
-    const auto widths = store.value(colsWidthKey).value<QVector<int>>();
-    for (int i = 0; i < table.model->columnCount() && i < widths.size(); ++i) {
-        // A column of no width would be hidden. The toolkit widens one that has become too narrow for a larger font.
-        if (widths.at(i) > 0 && widths.at(i) <= widestColumn)
-            table.setColumnWidth(i, widths.at(i));
-    }
-
-    const auto rows = store.value(paramListKey).value<Rows>();
-    if (isParameterList(rows))
-        pdx3.paramList = rows;
-}
-
-/// While it lives, the toolkit's messages go nowhere: it comments on what it finds in a damaged store.
-class Silence
-{
-public:
-    Silence() : before(qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {})) {}
-    ~Silence() { qInstallMessageHandler(before); }
-    Q_DISABLE_COPY(Silence)
-
-private:
-    QtMessageHandler before;
-};
 
 } // namespace
 
@@ -113,43 +44,45 @@ MainWindow::~MainWindow()
 
 void MainWindow::loadSettings()
 {
-    const Silence silence;
-    registerSettingsTypes();
-    const QString path = settingsPath();
-    if (mendSettingsFile(path)) {
-        settings = new QSettings(QStringLiteral("quillmoss"), QStringLiteral("pdx3"));
-        settings->setFallbacksEnabled(false); // the user's store and no other
-        apply(*settings, *this);
+    settings = openSettings().release();
+    if (!settings)
         return;
+    const QByteArray layout = settings->value(SettingsKey::windowState).toByteArray();
+    // A Qt version that writes layouts in another format reads that format, too.
+    if (isUsableWindowState(layout) || !isUsableWindowState(saveState()))
+        restoreState(layout);
+
+    QVector<QRect> screens;
+    for (const QScreen *screen : QGuiApplication::screens())
+        screens << screen->availableGeometry();
+    const QByteArray geometry = settings->value(SettingsKey::geometry).toByteArray();
+    if (isUsableGeometry(geometry, screens) && restoreGeometry(geometry)) // which accepts any size
+        resize(size().boundedTo(QGuiApplication::primaryScreen()->availableVirtualSize()));
+
+    const auto widths = settings->value(SettingsKey::colsWidth).value<QVector<int>>();
+    for (int i = 0; i < ui->tableParams->model->columnCount() && i < widths.size(); ++i) {
+        // A column of width 0 would be hidden. The table widens columns that are too narrow for its font.
+        if (widths.at(i) > 0 && widths.at(i) <= widestColumn)
+            ui->tableParams->setColumnWidth(i, widths.at(i));
     }
 
-    // The store cannot be written, so what is good of it is read from a copy and nothing will be saved.
-    QTemporaryFile copy;
-    QFile damaged(path);
-    if (copy.open() && damaged.open(QIODevice::ReadOnly)) {
-        copy.write(harmlessPartOf(damaged.readAll()));
-        copy.close();
-        apply(QSettings(copy.fileName(), QSettings::IniFormat), *this);
-    }
+    const auto rows = storedParamList(*settings);
+    if (!rows.isEmpty())
+        pdx3.paramList = rows;
 }
 
 void MainWindow::saveSettings()
 {
-    if (!settings)
-        return;
-    const Silence silence;
-    if (hasRoomBeside(settings->fileName(), QFileInfo(settings->fileName()).size() + growth)) {
-        settings->setValue(geometryKey, saveGeometry());
-        settings->setValue(windowStateKey, saveState());
-
+    if (settings && canSave(*settings)) {
+        settings->setValue(SettingsKey::geometry, saveGeometry());
+        settings->setValue(SettingsKey::windowState, saveState());
         QVector<int> widths;
         for (int i = 0; i < ui->tableParams->model->columnCount(); ++i)
             widths.append(ui->tableParams->columnWidth(i));
-        settings->setValue(colsWidthKey, QVariant::fromValue(widths));
-
-        settings->setValue(paramListKey, QVariant::fromValue(pdx3.paramList));
+        settings->setValue(SettingsKey::colsWidth, QVariant::fromValue(widths));
+        settings->setValue(SettingsKey::paramList, QVariant::fromValue(pdx3.paramList));
     }
-    delete settings;
+    delete settings; // writes the file
 }
 
 void MainWindow::on_actioncopy_triggered()

@@ -1,94 +1,78 @@
 #include "app/WindowStateCheck.h"
 
 #include <QDataStream>
-#include <QString>
+#include <QRegularExpression>
+
+#include <algorithm>
 
 namespace {
 
-/// Reads a layout piece by piece and remembers whether all was as it should be.
-class LayoutReader
+/// Returns `name` as hexadecimal digits, as QMainWindow::saveState writes it.
+QString hexOf(const QString &name)
 {
-public:
-    explicit LayoutReader(const QByteArray &state) : stream(state) { stream.setVersion(QDataStream::Qt_5_0); }
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream << name;
+    return QString::fromLatin1(bytes.toHex());
+}
 
-    /// Whether every piece so far was right and nothing is left.
-    bool isComplete() const { return right && stream.atEnd() && stream.status() == QDataStream::Ok; }
-
-    void expectNumber(qint32 low, qint32 high)
-    {
-        qint32 number = 0;
-        stream >> number;
-        right = right && number >= low && number <= high;
-    }
-
-    void expectNumber(qint32 number) { expectNumber(number, number); }
-
-    void expectByte(quint8 low, quint8 high)
-    {
-        quint8 byte = 0;
-        stream >> byte;
-        right = right && byte >= low && byte <= high;
-    }
-
-    void expectByte(quint8 byte) { expectByte(byte, byte); }
-
-    void expectName(const char *name)
-    {
-        // The toolkit's own reader of texts takes what is there, whatever length they claim.
-        QString text;
-        stream >> text;
-        right = right && text == QLatin1String(name);
-    }
-
-    void skipNumbers(int count)
-    {
-        for (int i = 0; i < count; ++i) {
-            qint32 number = 0;
-            stream >> number;
-        }
-    }
-
-private:
-    QDataStream stream;
-    bool right = true;
-};
+/// Returns whether enough of the title bar of a window whose contents are at `window` is visible on `screen`. Title
+/// bars are taken to be 20 pixels high. A window may also have none, so the topmost pixels of the contents count too:
+/// Qt moves those below the screen's edge.
+bool canGrab(const QRect &window, const QRect &screen)
+{
+    constexpr qint64 titleHeight = 20; // 64 bits: damaged coordinates are of any size
+    constexpr qint64 leastWidth = 40;
+    constexpr qint64 leastHeight = 10;
+    const qint64 left = std::max(window.left(), screen.left());
+    const qint64 right = std::min(window.right(), screen.right());
+    const qint64 top = std::max(window.top() - titleHeight, qint64{screen.top()});
+    const qint64 bottom = std::min(window.top() + titleHeight, qint64{screen.bottom()});
+    return right - left >= leastWidth && bottom - top >= leastHeight;
+}
 
 } // namespace
 
-bool isMainWindowStateCheck(const QByteArray &state)
+bool isUsableWindowState(const QByteArray &state)
 {
-    struct Dock
-    {
-        qint32 area;
-        const char *name;
+    // A dock area of one dock: index, size, horizontal or vertical, 1, name, visible, position, sizes.
+    const auto dock = [](const char *area, const char *name, const char *visible) {
+        return QStringLiteral("%1.{16}fc0[12]00000001fb%2%3.{32}").arg(area, hexOf(name), visible);
     };
-    constexpr Dock docks[] = {{0, "dockParams"}, {1, "dockWidget"}}; // left, right
+    static const QRegularExpression pattern(
+        QRegularExpression::anchoredPattern("000000ff00000000" // a layout of version 0
+                                            "fd00000002" +     // two dock areas, left and right
+                                            dock("00000000", "dockParams", "0[01]") +
+                                            dock("00000001", "dockWidget", "01") +
+                                            ".{16}"                            // size of the centre
+                                            "(0000000[1-8]){4}"                // areas of the corners
+                                            "fc000000010000000[0-3]00000001" + // one toolbar line with one toolbar
+                                            hexOf("mainToolBar") +
+                                            "0[0-3].{32}")); // shown and orientation, position, sizes
+    return pattern.match(QString::fromLatin1(state.toHex())).hasMatch();
+}
 
-    LayoutReader reader(state);
-    reader.expectNumber(0xFF); // a layout
-    reader.expectNumber(0);    // of version 0
-    reader.expectByte(0xFD);   // the docks
-    reader.expectNumber(2);
-    for (const Dock &dock : docks) {
-        reader.expectNumber(dock.area);
-        reader.skipNumbers(2);   // size of the area
-        reader.expectByte(0xFC); // a row
-        reader.expectByte(1, 2); // horizontal or vertical
-        reader.expectNumber(1);  // of one
-        reader.expectByte(0xFB); // dock
-        reader.expectName(dock.name);
-        reader.expectByte(0, 1); // hidden or shown
-        reader.skipNumbers(4);   // position, size, least and greatest size
+bool isUsableGeometry(const QByteArray &geometry, const QVector<QRect> &screens)
+{
+    QDataStream stream(geometry);
+    stream.setVersion(QDataStream::Qt_4_0);
+    stream.skipRawData(4); // restoreGeometry checks the magic number
+    quint16 majorVersion = 0;
+    quint16 minorVersion = 0;
+    QRect frame;
+    QRect normal;
+    qint32 screenNumber = 0;
+    quint8 isMaximized = 0;
+    quint8 isFullScreen = 0;
+    stream >> majorVersion >> minorVersion >> frame >> normal >> screenNumber >> isMaximized >> isFullScreen;
+    QRect current = normal;
+    if (majorVersion > 2) {
+        stream.skipRawData(4); // width of the screen
+        stream >> current;
     }
-    reader.skipNumbers(2); // size of the middle
-    for (int corner = 0; corner < 4; ++corner)
-        reader.expectNumber(1, 8); // the area that it belongs to
-    reader.expectByte(0xFC);       // the toolbars
-    reader.expectNumber(1);        // in one line
-    reader.expectNumber(0, 3);     // of any area
-    reader.expectNumber(1);
-    reader.expectName("mainToolBar");
-    reader.expectByte(0, 3); // hidden or shown, lying or standing
-    reader.skipNumbers(4);   // position, size, geometry when it floats
-    return reader.isComplete();
+    if (stream.status() != QDataStream::Ok || !frame.isValid() || !normal.isValid() || !current.isValid())
+        return false;
+    const QRect restored = isMaximized || isFullScreen ? normal : current;
+    return std::any_of(screens.cbegin(), screens.cend(),
+                       [&restored](const QRect &screen) { return canGrab(restored, screen); });
 }

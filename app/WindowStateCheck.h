@@ -1,9 +1,16 @@
 #pragma once
 
 #include <QByteArray>
+#include <QRect>
+#include <QVector>
 
-/// Whether `state` is a layout of the main window as QMainWindow::saveState writes it: its two docks, each in its area,
-/// and its toolbar in any area; sizes, positions and what is shown may have any values.
+/// Returns whether `state` is a layout of the main window as QMainWindow::saveState writes it, with the curve's dock
+/// visible: the two docks, each in its area, and the toolbar in any area. Sizes, positions and the visibility of the
+/// table's dock and of the toolbar may have any values.
 ///
-/// The toolkit takes areas and counts from the bytes as they are, and damaged ones end or hang the program.
-bool isMainWindowStateCheck(const QByteArray &state);
+/// QMainWindow::restoreState crashes or hangs on damaged areas and counts, and nothing can show a hidden curve again.
+bool isUsableWindowState(const QByteArray &state);
+
+/// Returns whether `geometry`, written by QWidget::saveGeometry, has valid rectangles and puts the window's title bar
+/// where the pointer can grab it on one of `screens`, their available geometries.
+bool isUsableGeometry(const QByteArray &geometry, const QVector<QRect> &screens);
