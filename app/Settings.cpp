@@ -49,8 +49,8 @@ std::unique_ptr<QSettings> openSettings()
     const QString organization = QStringLiteral("quillmoss");
     const QString application = QStringLiteral("pdx3");
 #ifdef PENDRIX_SETTINGS_ARE_TEXT
-    static const auto format = QSettings::registerFormat(QStringLiteral("conf"), SettingsFormat::read,
-                                                         SettingsFormat::write, Qt::CaseSensitive);
+    static const auto format =
+        QSettings::registerFormat(QStringLiteral("conf"), readSettings, writeSettings, Qt::CaseSensitive);
     const QString folder = nativeFolder(QSettings::UserScope);
     QSettings::setPath(format, QSettings::UserScope, folder);
     const QString path = folder + QStringLiteral("/quillmoss/pdx3.conf");

@@ -2,9 +2,12 @@
 
 #include <QDataStream>
 #include <QFile>
+#include <QFileInfo>
 #include <QVector>
 
 #include <algorithm>
+#include <cctype>
+#include <charconv>
 #include <cstring>
 
 #ifdef Q_OS_UNIX
@@ -15,58 +18,41 @@ namespace {
 
 constexpr QLatin1String keys[] = {SettingsKey::colsWidth, SettingsKey::geometry, SettingsKey::paramList,
                                   SettingsKey::windowState};
+constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
+constexpr char letters[] = "abtnvfr"; // of the escapes for \a to \r
 
-bool endsLine(char character)
+/// Returns the bytes of a value from its text, without the quotes and escapes that QSettings writes.
+QByteArray unescaped(const QByteArray &text)
 {
-    return character == '\n' || character == '\r';
-}
-
-bool isDigit(char character, bool isHex)
-{
-    return character != '\0' && std::strchr(isHex ? "0123456789abcdefABCDEF" : "01234567", character);
-}
-
-/// Decodes the quotes and escapes of a value. Returns false for lists and for escapes that QSettings does not write.
-bool unescape(const QByteArray &text, QByteArray &bytes)
-{
-    constexpr char letters[] = "abtnvfr\"\\";
-    bool isQuoted = false;
-    for (int at = 0; at < text.size(); ++at) {
-        if (text.at(at) == '"') {
-            isQuoted = !isQuoted;
-        } else if (text.at(at) == ',' && !isQuoted) {
-            return false;
-        } else if (text.at(at) != '\\') {
-            bytes += text.at(at);
-        } else if (++at < text.size() && text.at(at) != '\0' && std::strchr(letters, text.at(at))) {
-            bytes += "\a\b\t\n\v\f\r\"\\"[std::strchr(letters, text.at(at)) - letters];
-        } else {
-            const bool isHex = text.mid(at, 1) == "x";
-            const int start = isHex ? at + 1 : at;
-            for (at = start; at < text.size() && isDigit(text.at(at), isHex);)
-                ++at;
-            bool isNumber = false;
-            const uint code = text.mid(start, at - start).toUInt(&isNumber, isHex ? 16 : 8);
-            if (!isNumber || code > 0xFF)
-                return false;
-            --at;
+    QByteArray bytes;
+    for (const char *at = text.begin(); at != text.end();) {
+        const char next = *at == '\\' ? at[1] : '\0';
+        const char *letter = next == '\0' ? nullptr : std::strchr(letters, next);
+        if (letter || next == '\\' || next == '"') {
+            bytes += letter ? static_cast<char>('\a' + (letter - letters)) : next;
+            at += 2;
+        } else if (*at == '\\') {
+            uint code = 0;
+            at = std::from_chars(next == 'x' ? at + 2 : at + 1, text.end(), code, next == 'x' ? 16 : 8).ptr;
             bytes += static_cast<char>(code);
+        } else if (*at++ != '"') {
+            bytes += at[-1];
         }
     }
-    return true;
+    return bytes;
 }
 
-/// Returns `bytes` with the quotes and escapes that QSettings writes.
+/// Returns the text of a value as QSettings writes it.
 QByteArray escaped(const QByteArray &bytes)
 {
     QByteArray text;
     bool isAfterNumber = false; // which a digit would continue
     for (const char byte : bytes) {
         const bool isLetter = byte >= '\a' && byte <= '\r';
-        const bool isPlain = byte >= ' ' && byte <= '~' && !(isAfterNumber && isDigit(byte, true));
+        const bool isPlain = byte >= ' ' && byte <= '~' && !(isAfterNumber && std::isxdigit(byte));
         isAfterNumber = !isLetter && !isPlain;
         if (isLetter)
-            text += QByteArray("\\") + "abtnvfr"[byte - '\a'];
+            text += QByteArray("\\") + letters[byte - '\a'];
         else if (isAfterNumber)
             text += byte == '\0' ? "\\0" : "\\x" + QByteArray::number(static_cast<uchar>(byte), 16);
         else
@@ -76,197 +62,176 @@ QByteArray escaped(const QByteArray &bytes)
     return needsQuotes ? '"' + text + '"' : text;
 }
 
-template <typename T>
-void readValue(QDataStream &stream, T &value)
-{
-    stream >> value;
-}
-
-template <typename T>
-void readValue(QDataStream &stream, QVector<T> &vector)
+/// Returns whether `stream` has all elements that its counts promise: of 4 bytes at depth 1, of vectors at depth 2.
+bool hasElements(QDataStream &stream, int depth)
 {
     quint32 count = 0;
     stream >> count;
-    if (count > stream.device()->bytesAvailable() / 4) // an element has at least four bytes
-        return stream.setStatus(QDataStream::ReadCorruptData);
-    vector.resize(static_cast<int>(count));
-    for (T &element : vector)
-        readValue(stream, element);
+    if (count > stream.device()->bytesAvailable() / 4)
+        return false;
+    if (depth == 1)
+        return stream.skipRawData(static_cast<int>(count) * 4) >= 0;
+    for (; count > 0 && hasElements(stream, depth - 1); --count) {
+    }
+    return count == 0;
 }
 
-/// Returns the container in `stream`, or an invalid variant unless it ends where the stream does.
-template <typename Container>
-QVariant container(QDataStream &stream)
-{
-    Container value;
-    readValue(stream, value);
-    return stream.status() == QDataStream::Ok && stream.atEnd() ? QVariant::fromValue(value) : QVariant();
-}
-
-/// Returns the value of `key` whose text is `text`, or an invalid variant if it is malformed or of another type.
+/// Returns the value of `key` from its text, or an invalid variant if it is malformed or of another type.
 QVariant decoded(QLatin1String key, const QByteArray &text)
 {
-    const bool isVariant = key == SettingsKey::colsWidth || key == SettingsKey::paramList;
-    const QByteArray form = isVariant ? "@Variant(" : "@ByteArray(";
-    QByteArray bytes;
-    if (!unescape(text.trimmed(), bytes) || !bytes.startsWith(form) || !bytes.endsWith(')'))
+    const int depth = key == SettingsKey::paramList ? 2 : key == SettingsKey::colsWidth ? 1 : 0;
+    const QByteArray form = depth > 0 ? "@Variant(" : "@ByteArray(";
+    const QByteArray value = unescaped(text.trimmed());
+    if (!value.startsWith(form) || !value.endsWith(')'))
         return {};
-    bytes = bytes.mid(form.size(), bytes.size() - form.size() - 1);
-    if (!isVariant)
+    const QByteArray bytes = value.mid(form.size()).chopped(1);
+    if (depth == 0)
         return bytes;
 
     QDataStream stream(bytes);
     stream.setVersion(QDataStream::Qt_4_0);
     quint32 type = 0;
-    QByteArray name; // with its final zero byte
+    QByteArray name;
     stream >> type >> name;
-    if (type == 127 && key == SettingsKey::colsWidth && name == QByteArray("QVector<int>", 13))
-        return container<QVector<int>>(stream);
     name.replace("> >", ">>"); // Qt 5 writes the blank
-    if (type == 127 && key == SettingsKey::paramList && name == QByteArray("QVector<QVector<float>>", 24))
-        return container<QVector<QVector<float>>>(stream);
-    return {};
+    const char *typeName = depth == 1 ? "QVector<int>" : "QVector<QVector<float>>";
+    if (type != 127 || name != QByteArray(typeName) + '\0' || !hasElements(stream, depth) || !stream.atEnd())
+        return {};
+    stream.device()->seek(0);
+    QVariant container;
+    stream >> container;
+    return container;
 }
 
 /// Returns the entry of `key` as QSettings writes it.
 QByteArray encoded(QLatin1String key, const QVariant &value)
 {
-    QByteArray bytes = "@ByteArray(" + value.toByteArray();
-    if (value.userType() != QMetaType::QByteArray) {
-        bytes.clear();
+    QByteArray bytes = value.toByteArray();
+    const bool isVariant = value.userType() != QMetaType::QByteArray;
+    if (isVariant) {
         QDataStream stream(&bytes, QIODevice::WriteOnly);
         stream.setVersion(QDataStream::Qt_4_0);
         stream << value;
-        bytes.prepend("@Variant(");
     }
-    return key.data() + ('=' + escaped(bytes + ')'));
+    return key.data() + ('=' + escaped((isVariant ? "@Variant(" : "@ByteArray(") + bytes + ')'));
 }
 
-/// Returns where the text starts after a byte order mark.
-int startOf(const QByteArray &text)
+bool endsLine(char character)
 {
-    return text.startsWith("\xEF\xBB\xBF") ? 3 : 0;
+    return character == '\n' || character == '\r';
 }
 
-/// Returns the end of the entry at `start`: the next unquoted line end or semicolon; the next line end if a quote never
-/// closes.
+/// Returns the end of the entry at `start`: the next unquoted line end or semicolon, but the next line end of a comment
+/// and if a quote never closes.
 int endOfEntry(const QByteArray &text, int start)
 {
-    bool isQuoted = false;
-    const bool isComment = text.at(start) == ';';
-    int lineEnd = text.size();
-    for (int at = start + 1; at < text.size(); ++at) {
-        const char character = text.at(at);
-        if (!isQuoted && (endsLine(character) || (character == ';' && !isComment)))
+    bool isQuoted = text.at(start) == ';';
+    for (int at = isQuoted ? text.size() : start; at < text.size(); ++at) {
+        if (!isQuoted && (endsLine(text.at(at)) || text.at(at) == ';'))
             return at;
-        if (endsLine(character))
-            lineEnd = std::min(lineEnd, at);
-        else if (character == '\\' && !isComment)
+        if (text.at(at) == '\\')
             ++at;
-        else if (character == '"' && !isComment)
+        else if (text.at(at) == '"')
             isQuoted = !isQuoted;
     }
-    return isQuoted ? lineEnd : text.size();
+    return isQuoted ? static_cast<int>(std::find_if(text.begin() + start, text.end(), endsLine) - text.begin())
+                    : text.size();
 }
 
-/// The place of one of our entries in the text of a settings file, or, without a key, the place for new ones.
+/// The place of one of our entries in the text of a settings file. Without a key: the end of the first [General] line.
 struct Entry
 {
     QLatin1String key;
     int start;
-    int valueStart;
     int end;
 };
 
-/// Returns our entries in `text`, and the end of the first [General] line as the place for new ones. Entries before the
-/// first section belong to [General].
+/// Returns our entries in `text`. As in QSettings, those before the first section belong to [General].
 QVector<Entry> entriesIn(const QByteArray &text)
 {
     QVector<Entry> entries;
     bool isGeneral = true;
-    bool hasPlace = false;
-    for (int at = startOf(text), end = at; at < text.size(); at = end) {
-        end = endsLine(text.at(at)) || text.at(at) == ' ' || text.at(at) == '\t' ? at + 1 : endOfEntry(text, at);
+    bool hasGeneral = false;
+    for (int at = text.startsWith(byteOrderMark) ? 3 : 0, end = at; at < text.size(); at = end) {
+        const bool isBlank = text.at(at) == ' ' || text.at(at) == '\t' || endsLine(text.at(at));
+        end = isBlank ? at + 1 : endOfEntry(text, at);
         const QByteArray entry = QByteArray::fromRawData(text.constData() + at, end - at);
         const int equals = entry.indexOf('=');
         if (entry.startsWith('[')) {
             isGeneral = entry.mid(1, entry.indexOf(']') - 1).trimmed().toLower() == "general";
-            if (isGeneral && !hasPlace)
-                entries.append({QLatin1String(), end, end, end});
-            hasPlace = hasPlace || isGeneral;
+            if (isGeneral && !hasGeneral)
+                entries.append({QLatin1String(), end, end});
+            hasGeneral = hasGeneral || isGeneral;
         } else if (isGeneral && equals >= 0) {
             const auto *key = std::find(std::begin(keys), std::end(keys), QLatin1String(entry.left(equals).trimmed()));
             if (key != std::end(keys))
-                entries.append({*key, at, at + equals + 1, end});
+                entries.append({*key, at, end});
         }
     }
     return entries;
 }
 
-bool readWhole(QFileDevice &file, QByteArray &content)
+bool readWhole(QIODevice &file, QByteArray &content)
 {
     content = file.readAll();
-    return file.error() == QFileDevice::NoError && content.size() == file.size();
+    return static_cast<QFileDevice &>(file).error() == QFileDevice::NoError && content.size() == file.size();
 }
 
 } // namespace
 
-bool SettingsFormat::read(QIODevice &device, QSettings::SettingsMap &values)
+bool readSettings(QIODevice &file, QSettings::SettingsMap &values)
 {
     QByteArray text;
-    if (!readWhole(static_cast<QFileDevice &>(device), text))
+    if (!readWhole(file, text))
         return false;
     const QVector<Entry> entries = entriesIn(text);
     for (const Entry &entry : entries) {
-        const QVariant value = decoded(entry.key, text.mid(entry.valueStart, entry.end - entry.valueStart));
+        const QByteArray assignment = text.mid(entry.start, entry.end - entry.start);
+        const QVariant value = decoded(entry.key, assignment.mid(assignment.indexOf('=') + 1));
         if (value.isValid())
             values.insert(entry.key, value); // the last of several, as QSettings does
     }
     return true;
 }
 
-bool SettingsFormat::write(QIODevice &device, const QSettings::SettingsMap &values)
+bool writeSettings(QIODevice &file, const QSettings::SettingsMap &values)
 {
-    auto &file = static_cast<QFileDevice &>(device);
+    auto &saveFile = static_cast<QFileDevice &>(file);
     QByteArray text;
-    QFile present(file.fileName());
-    // QSettings holds the lock, and renames the new file over the present one afterwards.
-    if (present.open(QIODevice::ReadOnly) ? !readWhole(present, text) : present.exists())
+    QFile present(saveFile.fileName());
+    if (present.open(QIODevice::ReadOnly) ? !readWhole(present, text) : QFileInfo::exists(present.fileName()))
         return false;
 
-    QSettings::SettingsMap left = values;
-    const auto take = [&left](QLatin1String key) {
-        const QVariant value = left.take(key);
-        return value.isValid() ? encoded(key, value) : QByteArray();
-    };
+    const auto isGeneral = [](const Entry &entry) { return entry.key.isNull(); };
+    QVector<Entry> entries = entriesIn(text);
+    if (std::none_of(entries.cbegin(), entries.cend(), isGeneral)) {
+        text.insert(text.startsWith(byteOrderMark) ? 3 : 0, "[General]\n");
+        entries = entriesIn(text);
+    }
+    QSettings::SettingsMap remaining = values;
     QByteArray result;
     int copied = 0;
-    int place = -1;
-    const QVector<Entry> entries = entriesIn(text);
-    for (const Entry &entry : entries) {
+    int generalEnd = 0;
+    for (const Entry &entry : qAsConst(entries)) {
         result += text.mid(copied, entry.start - copied);
         copied = entry.end;
-        if (entry.key.isNull())
-            place = result.size();
-        else
-            result += take(entry.key); // nothing for a second entry of the same key
+        if (isGeneral(entry))
+            generalEnd = result.size();
+        else if (remaining.contains(entry.key)) // else a second entry of this key, which is dropped
+            result += encoded(entry.key, remaining.take(entry.key));
     }
     result += text.mid(copied);
-
     QByteArray added;
     for (const QLatin1String key : keys) {
-        if (left.contains(key))
-            added += '\n' + take(key);
+        if (remaining.contains(key))
+            added += '\n' + encoded(key, remaining.take(key));
     }
-    if (place < 0 && !added.isEmpty())
-        result.insert(startOf(text), "[General]" + added + '\n');
-    else if (!added.isEmpty())
-        result.insert(place, place < result.size() ? added : added + '\n');
+    result.insert(generalEnd, added);
 
-    if (file.write(result) != result.size() || !file.flush())
+    if (saveFile.write(result) != result.size() || !saveFile.flush())
         return false;
 #ifdef Q_OS_UNIX
-    return fsync(file.handle()) == 0; // QSaveFile ignores the result of its own
+    return fsync(saveFile.handle()) == 0; // QSaveFile ignores the result of its own
 #else
     return true;
 #endif

@@ -2,20 +2,8 @@
 
 #include <QSettings>
 
-/// The text format of the settings file, as QSettings::registerFormat accepts it: the format of Qt's native text files,
-/// limited to the four keys of SettingsKey in [General], each with its own type. Damaged values of other types can
-/// crash or hang Qt's own parser.
-namespace SettingsFormat {
-
-/// Reads the values of the four keys. Ignores malformed values and all other entries. Returns false on I/O errors.
-/// `device` is a file.
-bool read(QIODevice &device, QSettings::SettingsMap &values);
-
-/// Writes the file that `device`, a QSaveFile, replaces with `values` in the place of the four keys' entries. Keeps all
-/// other bytes. Returns false on errors.
-bool write(QIODevice &device, const QSettings::SettingsMap &values);
-
-} // namespace SettingsFormat
+// The format of Qt's native text files, limited to four keys in [General], each with its own type, for
+// QSettings::registerFormat. Damaged values of other types can crash or hang Qt's own parser.
 
 namespace SettingsKey {
 constexpr QLatin1String colsWidth("colsWidth");
@@ -23,3 +11,11 @@ constexpr QLatin1String geometry("geometry");
 constexpr QLatin1String paramList("paramList");
 constexpr QLatin1String windowState("windowState");
 } // namespace SettingsKey
+
+/// Reads the values of the four keys from `file`. Ignores malformed values and foreign entries. Returns false on
+/// errors.
+bool readSettings(QIODevice &file, QSettings::SettingsMap &values);
+
+/// Writes to `file`, a QSaveFile, the content of the file that it replaces, with `values` in the place of the entries
+/// of the four keys. Keeps all other bytes. Returns false on errors.
+bool writeSettings(QIODevice &file, const QSettings::SettingsMap &values);

@@ -16,21 +16,6 @@ QString hexOf(const QString &name)
     return QString::fromLatin1(bytes.toHex());
 }
 
-/// Returns whether enough of the title bar of a window whose contents are at `window` is visible on `screen`. Title
-/// bars are taken to be 20 pixels high. A window may also have none, so the topmost pixels of the contents count too:
-/// Qt moves those below the screen's edge.
-bool canGrab(const QRect &window, const QRect &screen)
-{
-    constexpr qint64 titleHeight = 20; // 64 bits: damaged coordinates are of any size
-    constexpr qint64 leastWidth = 40;
-    constexpr qint64 leastHeight = 10;
-    const qint64 left = std::max(window.left(), screen.left());
-    const qint64 right = std::min(window.right(), screen.right());
-    const qint64 top = std::max(window.top() - titleHeight, qint64{screen.top()});
-    const qint64 bottom = std::min(window.top() + titleHeight, qint64{screen.bottom()});
-    return right - left >= leastWidth && bottom - top >= leastHeight;
-}
-
 } // namespace
 
 bool isUsableWindowState(const QByteArray &state)
@@ -72,7 +57,15 @@ bool isUsableGeometry(const QByteArray &geometry, const QVector<QRect> &screens)
     }
     if (stream.status() != QDataStream::Ok || !frame.isValid() || !normal.isValid() || !current.isValid())
         return false;
-    const QRect restored = isMaximized || isFullScreen ? normal : current;
-    return std::any_of(screens.cbegin(), screens.cend(),
-                       [&restored](const QRect &screen) { return canGrab(restored, screen); });
+    // The title bar is taken to be 20 pixels high. The window may also have none, so the top of its contents counts,
+    // too: restoreGeometry moves it below the screen's edge.
+    const QRect window = isMaximized || isFullScreen ? normal : current;
+    return std::any_of(screens.cbegin(), screens.cend(), [&window](const QRect &screen) {
+        constexpr qint64 height = 20; // 64 bits: the coordinates may be any number
+        const qint64 left = std::max(window.left(), screen.left());
+        const qint64 right = std::min(window.right(), screen.right());
+        const qint64 top = std::max(window.top() - height, qint64{screen.top()});
+        const qint64 bottom = std::min(window.top() + height, qint64{screen.bottom()});
+        return right - left >= 2 * height && bottom - top >= height / 2;
+    });
 }
