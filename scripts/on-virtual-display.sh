@@ -28,6 +28,6 @@ export XDG_CONFIG_HOME=$scratch/settings XDG_CACHE_HOME=$scratch/cache
 export MESA_SHADER_CACHE_DISABLE=true
 unset WAYLAND_DISPLAY XAUTHORITY
 # The same look on every system: Qt's own style, and a fixed font resolution. Qt's versions derive different ones.
-export QT_FONT_DPI=100
+export QT_FONT_DPI=96
 unset QT_QPA_PLATFORMTHEME QT_STYLE_OVERRIDE XDG_CURRENT_DESKTOP
 "$@"
