@@ -223,10 +223,8 @@ private slots:
         std::mt19937 random(23);
         for (int number = 0; number < sampleSize(200, 250000); ++number) {
             setRandomSettings(random, number);
-            const QVector<float> row = randomRow(random, number);
-            pdx3.set(row);
-            const QByteArray different = ReferenceCurve::current().difference();
-            QVERIFY2(different.isEmpty(), different + ", row " + QByteArray::number(number));
+            pdx3.set(randomRow(random, number));
+            VERIFY_CURVE();
         }
     }
 
@@ -234,13 +232,13 @@ private slots:
     {
         for (int mode = -1; mode <= 5; ++mode) {
             pdx3.set(1.0F, 2.0F, 3.1F, 0.46F, 0.3F, mode);
-            VERIFY_SAME(ReferenceCurve::current().segmentDifference());
+            QCOMPARE(ReferenceCurve::current().segmentDifference(), QByteArray());
         }
         std::mt19937 random(31);
         for (int number = 0; number < sampleSize(100, 10000); ++number) {
             setRandomSettings(random, number);
             pdx3.set(randomRow(random, number));
-            VERIFY_SAME(ReferenceCurve::current().segmentDifference());
+            QCOMPARE(ReferenceCurve::current().segmentDifference(), QByteArray());
         }
     }
 };

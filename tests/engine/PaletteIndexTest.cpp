@@ -58,12 +58,6 @@ private slots:
             for (const float position : positions)
                 QCOMPARE(paletteIndex(position, size), expectedIndex(position, size));
         }
-        for (int size = 1; size <= 1200; ++size) {
-            for (int whole = 0; whole <= 3 * size; whole += 1 + size / 8) {
-                const float position = static_cast<float>(whole) / static_cast<float>(size);
-                QCOMPARE(paletteIndex(position, size), expectedIndex(position, size));
-            }
-        }
     }
 
     void indexOfKnownPositions()

@@ -314,8 +314,6 @@ private slots:
         pdx3.colors[3] = QColor::fromHsvF(0.5, 1.0, 1.0, 0.2);
         pdx3.colors[4] = QColor::fromCmyk(0, 255, 0, 0);
         pdx3.colors[5] = QColor();
-        QVector<QColor> copy = pdx3.colors;
-        copy[6] = Qt::white; // has no effect
         QVector<OpenGLCall> calls = drawCalls();
         QCOMPARE(calls.at(6), colorCall(1, 40000, 65534, 30001));
         QCOMPARE(calls.at(8), colorCall(0, 65535, 65535, 13107));

@@ -53,7 +53,6 @@ std::size_t ReferenceCurve::size() const
     return count >= 1.0 && count < 2147483648.0 ? static_cast<std::size_t>(count) : 0;
 }
 
-// Each rounding to float is a statement of its own.
 std::vector<ReferencePoint> ReferenceCurve::points() const
 {
     std::vector<ReferencePoint> samples(size());
@@ -64,12 +63,9 @@ std::vector<ReferencePoint> ReferenceCurve::points() const
     for (std::size_t i = 0; i < samples.size(); ++i) {
         sample.time = rounded(double(sample.time) + 0.02);
         sample.amplitude = sample.amplitude - step;
-        const float angleX = freqX * sample.time;
         const float turnedY = freqY * sample.time;
         const float turnedZ = freqZ * sample.time;
-        const float angleY = startY + turnedY;
-        const float angleZ = startZ + turnedZ;
-        const std::array<float, 3> angles = {angleX, angleY, angleZ};
+        const std::array<float, 3> angles = {freqX * sample.time, startY + turnedY, startZ + turnedZ};
         for (std::size_t axis = 0; axis < 3; ++axis)
             sample.at[axis] = rounded(std::sin(double(angles[axis])) * double(sample.amplitude));
 
@@ -83,12 +79,10 @@ std::vector<ReferencePoint> ReferenceCurve::points() const
             const float xx = sample.at[0] * sample.at[0];
             const float yy = sample.at[1] * sample.at[1];
             const float zz = sample.at[2] * sample.at[2];
-            const float xxyy = xx + yy;
-            const float square = xxyy + zz;
+            const float square = (xx + yy) + zz;
             // The square root of a double that holds a float, rounded to float, is the float's own square root.
             const float radius = rounded(std::sqrt(double(square)));
-            const float scaled = radius / radiusScale;
-            position = scaled * 1.5F;
+            position = (radius / radiusScale) * 1.5F;
         } else if (mode == 3) {
             position = fraction(sample.time / turn);
         } else if (mode == 4) {
