@@ -121,6 +121,18 @@ private slots:
         }
     }
 
+    void shorterPassWritesNothingPastItsEnd()
+    {
+        QCOMPARE(pdx3.points.size(), 16666); // the lists keep this storage
+        const quint32 x = bitsOf(pdx3.points.at(300).x);
+        const QRgb color = pdx3.colors.at(300).rgb();
+        pdx3.step = 1.0F / 300.5F;
+        pdx3.set(0.5F, 0.5F, 0.5F, 0.0F, 0.0F, 0);
+        QCOMPARE(pdx3.points.size(), 300);
+        QCOMPARE(bitsOf(pdx3.points.constData()[300].x), x);
+        QCOMPARE(pdx3.colors.constData()[300].rgb(), color);
+    }
+
     void numbersThatAreNotPositiveInts()
     {
         for (const float step : {0.0F, -0.0F, 1e-38F, notANumber, 1.5F}) {
