@@ -19,6 +19,7 @@ to_build=(
 # shellcheck disable=SC2034
 to_test=(
   "libxres-dev:modules xres"
+  "libsm-dev:modules sm ice"
   "xclip:program xclip"
   "xdotool:program xdotool"
   "openbox:program openbox"
