@@ -16,7 +16,7 @@ namespace {
 
 using Rows = QVector<QVector<float>>;
 
-/// What pasting `text` makes of `rows`, in the plainest words.
+/// Returns `rows` after a paste of `text`. A plain reference implementation.
 Rows pasted(QString text, Rows rows)
 {
     int next = 0;
@@ -40,7 +40,7 @@ Rows pasted(QString text, Rows rows)
     return rows;
 }
 
-/// 64 rows in which no value is like another.
+/// Returns 64 rows of different values.
 Rows numberedRows()
 {
     Rows rows;
@@ -72,7 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     static const Rows before = numberedRows();
     static const Rows presets = pdx3.presets;
 
-    // As bytes, the way other programs hand them over.
+    // As bytes, as other programs provide them.
     auto *text = new QMimeData;
     text->setData(QStringLiteral("text/plain"),
                   QByteArray(reinterpret_cast<const char *>(data), static_cast<int>(size)));
@@ -84,7 +84,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
            "Lines of six fields are the rows, and the others stay");
     expect(haveSameBits(pdx3.presets, presets), "The presets stay");
 
-    // Six digits are written, so the first copy may differ from what was pasted; from then on nothing changes.
+    // A copy has six digits, so the first one may differ from the pasted text. Later ones do not.
     const QString copy = copied();
     expect(copy.count('\n') == Pendrix3D::rowCount, "A copy has 64 lines");
     pdx3.paramList = before;

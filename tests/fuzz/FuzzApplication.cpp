@@ -19,14 +19,14 @@ namespace {
 
 void endProcessWithMessage(QtMsgType /*type*/, const QMessageLogContext & /*context*/, const QString &message)
 {
-    // What a platform without a display says of itself, whatever the input.
+    // The offscreen platform prints these for any input.
     if (!message.startsWith(QLatin1String("This plugin does not support ")))
-        endProcess(qPrintable("The toolkit says: " + message));
+        endProcess(qPrintable("Qt prints: " + message));
 }
 
 } // namespace
 
-/// The toolkit waits for the disk when it saves; a fuzzer does so too often.
+// Saving does not wait for the disk.
 extern "C" int fdatasync(int /*file*/)
 {
     return 0;
@@ -40,17 +40,17 @@ extern "C" int fsync(int /*file*/)
 void startFuzzApplication()
 {
     const QByteArray folder = QFile::encodeName(fuzzFolder());
-    expect(!folder.isEmpty(), "There is a folder for the run");
+    expect(!folder.isEmpty(), "The run's folder can be made");
     for (const char *variable : {"HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR"})
         qputenv(variable, folder);
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    qunsetenv("DISPLAY"); // which the platform would use for OpenGL
+    qunsetenv("DISPLAY"); // the platform would use it for OpenGL
     qputenv("QT_SCALE_FACTOR", "1");
 
     static int argc = 1;
     static char name[] = "fuzz";
     static char *argv[] = {name, nullptr};
-    // Never deleted: a fuzzer ends with exit, when the toolkit's own globals are going too.
+    // Never deleted: a fuzzer ends with exit, which also destroys Qt's globals.
     static auto *const application = new QApplication(argc, argv);
     Q_UNUSED(application)
     qInstallMessageHandler(endProcessWithMessage);
@@ -65,7 +65,7 @@ QString fuzzFolder()
 void expect(bool holds, const char *what)
 {
     if (!holds)
-        endProcess(qPrintable(QStringLiteral("This does not hold: ") + QLatin1String(what)));
+        endProcess(qPrintable(QStringLiteral("Failed expectation: ") + QLatin1String(what)));
 }
 
 bool haveSameBits(const QVector<QVector<float>> &a, const QVector<QVector<float>> &b)

@@ -3,17 +3,15 @@
 #include <QString>
 #include <QVector>
 
-/// Makes the application that a fuzzer runs in, which stays until the process ends. It needs no display, and it has a
-/// home and a settings folder of its own, so that the user's stay untouched.
-///
-/// From then on a message of the toolkit ends the process, as does everything else that must not happen.
+/// Constructs the application of a fuzzer, which is never deleted. It needs no display. Its home and settings folders
+/// are in fuzzFolder, so that the user's stay untouched. From now on a message of Qt ends the process.
 void startFuzzApplication();
 
-/// A folder that is removed when the process ends.
+/// Returns a folder that is removed when the process ends.
 QString fuzzFolder();
 
-/// Ends the process with a word on what should hold, unless it does.
+/// Prints `what` and aborts, unless it holds.
 void expect(bool holds, const char *what);
 
-/// Whether two lists of rows are the same; a NaN is unequal to itself.
+/// Returns whether two lists of rows have the same bits; unlike ==, a NaN equals itself.
 bool haveSameBits(const QVector<QVector<float>> &a, const QVector<QVector<float>> &b);

@@ -1,4 +1,4 @@
-// main of a program that gives a fuzzer's entry point every file of the folders that are its arguments.
+// main of a program that runs a fuzzer's entry point on every file in the folders given as arguments.
 
 #include <QDir>
 #include <QFile>
@@ -18,7 +18,7 @@ int main(int argc, char *argv[])
         const QDir folder(QFile::decodeName(argv[i]));
         const QStringList names = folder.entryList(QDir::Files);
         for (const QString &name : names) {
-            std::cout << qPrintable(name) << std::endl; // the last one is to blame
+            std::cout << qPrintable(name) << std::endl; // a crash belongs to the last one
             QFile file(folder.filePath(name));
             if (!file.open(QIODevice::ReadOnly))
                 return 1;

@@ -1,4 +1,4 @@
-// Reads any bytes as the settings file, with the program's own window.
+// Reads any bytes as the settings file, with the program's own window, and saves over them.
 
 #include "app/MainWindow.h"
 #include "engine/Pendrix3D.h"
@@ -27,36 +27,36 @@ bool areParameterRows(const Rows &rows)
            });
 }
 
-/// Makes `content` the settings, in a folder of their own below `place`: the toolkit remembers what it read from a
-/// file. The path of the file.
+/// Makes `content` the settings file, in a new folder below `place`: Qt caches the content of settings files by path.
+/// Returns the file's path.
 QString useSettings(const QDir &place, const QString &name, const QByteArray &content)
 {
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, place.filePath(name));
     const QDir folder(place.filePath(name + QStringLiteral("/quillmoss")));
-    expect(folder.mkpath(QStringLiteral(".")), "There is a folder for the settings");
+    expect(folder.mkpath(QStringLiteral(".")), "The settings folder can be made");
     QFile file(folder.filePath(QStringLiteral("pdx3.conf")));
-    expect(file.open(QIODevice::WriteOnly) && file.write(content) == content.size(), "The settings are there");
+    expect(file.open(QIODevice::WriteOnly) && file.write(content) == content.size(), "The settings can be written");
     return file.fileName();
 }
 
 QByteArray contentOf(const QString &path)
 {
     QFile file(path);
-    expect(file.open(QIODevice::ReadOnly), "There is a file to read");
+    expect(file.open(QIODevice::ReadOnly), "The file can be read");
     return file.readAll();
 }
 
 /// Lays the window out as on a screen.
 void show(MainWindow &window)
 {
-    // There is no OpenGL: neither for the curve nor for putting a window together that had one.
-    delete window.ui->pdx3;
+    delete window.ui->pdx3; // the platform has no OpenGL
     window.setAttribute(Qt::WA_DontShowOnScreen);
     window.show();
     QCoreApplication::processEvents();
-    const QSize form(701, 605); // higher than the screen that the platform makes up
-    const QSize most = QGuiApplication::primaryScreen()->availableVirtualSize().expandedTo(form);
-    expect(window.size() == window.size().boundedTo(most), "The window fits the screen");
+    const QSize form(701, 605); // higher than the platform's screen
+    const QSize largest = QGuiApplication::primaryScreen()->availableVirtualSize().expandedTo(form);
+    expect(window.size() == window.size().boundedTo(largest), "The window fits the screen");
+    expect(!window.ui->dockWidget->isHidden(), "The curve is shown");
 }
 
 } // namespace
@@ -77,22 +77,27 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     {
         MainWindow window;
         expect(areParameterRows(pdx3.paramList), "The parameter list has 64 rows of six");
+        expect(contentOf(path) == content, "Loading changes nothing");
         show(window);
-        const QString damaged = path + QStringLiteral(".damaged");
-        if (QFile::exists(damaged))
-            expect(contentOf(damaged) == content, "What was mended is kept as it was");
 
-        // As at the end of this run and the start of the next; another window would take twice the time.
-        pdx3.paramList[1][2] = 42.5F; // what the user changes
+        // A close and a start; a second window would take twice the time.
+        pdx3.paramList[1][2] = 42.5F;
         const Rows rows = pdx3.paramList;
         window.saveSettings();
-        useSettings(place, QStringLiteral("next"), contentOf(path));
+        const QByteArray saved = contentOf(path);
+        useSettings(place, QStringLiteral("next"), saved);
         pdx3.resetParamList();
         window.loadSettings();
         expect(haveSameBits(pdx3.paramList, rows), "The rows come back after a restart");
         for (const char *key : {"windowState", "geometry", "colsWidth", "paramList"})
-            expect(window.settings->contains(key), "Nothing that the program saved is taken for damage");
+            expect(window.settings->contains(key), "All that was saved is read");
+        if (!content.contains("windowState") && !content.contains("geometry") && !content.contains("colsWidth") &&
+            !content.contains("paramList")) {
+            // Only lines were added.
+            const auto kept = std::mismatch(content.cbegin(), content.cend(), saved.cbegin(), saved.cend()).first;
+            expect(saved.endsWith(content.mid(static_cast<int>(kept - content.cbegin()))), "Foreign bytes stay");
+        }
     }
-    expect(place.removeRecursively(), "Everything can be removed");
+    expect(place.removeRecursively(), "The folder can be removed");
     return 0;
 }

@@ -1,5 +1,4 @@
-// How the fuzzer changes a settings file: half of the time any of its bytes, else those that one of its values stands
-// for. They are escaped again, so that it does not have to learn the escapes first.
+// Mutates a settings file: in half of the cases any bytes, else the unescaped bytes of one value.
 
 #include <QByteArray>
 
@@ -19,12 +18,10 @@ struct Key
     const char *form;
 };
 
-// The last is another program's, of any type.
 constexpr Key keys[] = {{"windowState", "@ByteArray("},
                         {"geometry", "@ByteArray("},
                         {"colsWidth", "@Variant("},
-                        {"paramList", "@Variant("},
-                        {"foreign", "@Variant("}};
+                        {"paramList", "@Variant("}};
 
 bool isHexDigit(char character)
 {
@@ -37,11 +34,11 @@ bool isLetter(char character)
     return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
 }
 
-/// Bytes as the settings format has them.
+/// Returns `bytes` with the escapes of the settings format.
 QByteArray escaped(const QByteArray &bytes)
 {
     QByteArray text;
-    bool afterNumber = false; // which a digit would go on
+    bool afterNumber = false; // which a digit would continue
     for (const char byte : bytes) {
         const bool isPlain = isLetter(byte) && !(afterNumber && isHexDigit(byte));
         if (isPlain)
@@ -55,7 +52,7 @@ QByteArray escaped(const QByteArray &bytes)
     return text;
 }
 
-/// The bytes that `text` stands for, as far as the program itself writes it.
+/// Returns the bytes of an escaped value, for the escapes that the program writes.
 QByteArray unescaped(const QByteArray &text)
 {
     constexpr char letters[] = "abfnrtv0";
@@ -82,7 +79,7 @@ QByteArray unescaped(const QByteArray &text)
     return bytes;
 }
 
-/// The bytes as the fuzzer's own mutator leaves them.
+/// Returns `bytes` after a mutation by libFuzzer.
 QByteArray mutated(QByteArray bytes)
 {
     const int size = bytes.size();
@@ -93,8 +90,8 @@ QByteArray mutated(QByteArray bytes)
     return bytes;
 }
 
-/// The settings file with another value of `key`.
-QByteArray withMutatedValue(QByteArray file, const Key &key, unsigned choice)
+/// Returns the settings file with a mutated value of `key`.
+QByteArray withMutatedValue(QByteArray file, const Key &key)
 {
     const QByteArray start = QByteArray("\n") + key.name + '=';
     int at = file.indexOf(start);
@@ -115,11 +112,7 @@ QByteArray withMutatedValue(QByteArray file, const Key &key, unsigned choice)
     if (value.endsWith(')'))
         value.chop(1);
 
-    QByteArray bytes = mutated(unescaped(value));
-    // The type of another program's value, by its number.
-    if (std::strcmp(key.name, "foreign") == 0 && choice % 2 == 0 && bytes.size() >= 4)
-        bytes.replace(0, 4, QByteArray("\0\0\0", 3) + static_cast<char>(choice / 2 % 160));
-    return file.replace(valueAt, length, key.form + escaped(bytes) + ')');
+    return file.replace(valueAt, length, key.form + escaped(mutated(unescaped(value))) + ')');
 }
 
 } // namespace
@@ -130,7 +123,7 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t *data, std::size_t s
     if (random() % 2 == 0) {
         const Key &key = keys[random() % std::size(keys)];
         const QByteArray file(reinterpret_cast<const char *>(data), static_cast<int>(size));
-        const QByteArray result = withMutatedValue(file, key, static_cast<unsigned>(random()));
+        const QByteArray result = withMutatedValue(file, key);
         if (static_cast<std::size_t>(result.size()) <= maxSize) {
             std::copy(result.cbegin(), result.cend(), data);
             return static_cast<std::size_t>(result.size());
