@@ -3,6 +3,7 @@
 #include <QDataStream>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QVector>
 
 #include <algorithm>
@@ -16,9 +17,6 @@
 
 namespace {
 
-constexpr QLatin1String keys[] = {SettingsKey::colsWidth, SettingsKey::geometry, SettingsKey::paramList,
-                                  SettingsKey::windowState};
-constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
 constexpr char letters[] = "abtnvfr"; // of the escapes for \a to \r
 
 /// Returns the bytes of a value from its text, without the quotes and escapes that QSettings writes.
@@ -77,7 +75,7 @@ bool hasElements(QDataStream &stream, int depth)
 }
 
 /// Returns the value of `key` from its text, or an invalid variant if it is malformed or of another type.
-QVariant decoded(QLatin1String key, const QByteArray &text)
+QVariant decoded(const QString &key, const QByteArray &text)
 {
     const int depth = key == SettingsKey::paramList ? 2 : key == SettingsKey::colsWidth ? 1 : 0;
     const QByteArray form = depth > 0 ? "@Variant(" : "@ByteArray(";
@@ -104,7 +102,7 @@ QVariant decoded(QLatin1String key, const QByteArray &text)
 }
 
 /// Returns the entry of `key` as QSettings writes it.
-QByteArray encoded(QLatin1String key, const QVariant &value)
+QByteArray encoded(const QString &key, const QVariant &value)
 {
     QByteArray bytes = value.toByteArray();
     const bool isVariant = value.userType() != QMetaType::QByteArray;
@@ -113,35 +111,13 @@ QByteArray encoded(QLatin1String key, const QVariant &value)
         stream.setVersion(QDataStream::Qt_4_0);
         stream << value;
     }
-    return key.data() + ('=' + escaped((isVariant ? "@Variant(" : "@ByteArray(") + bytes + ')'));
+    return key.toLatin1() + '=' + escaped((isVariant ? "@Variant(" : "@ByteArray(") + bytes + ')');
 }
 
-bool endsLine(char character)
-{
-    return character == '\n' || character == '\r';
-}
-
-/// Returns the end of the entry at `start`: the next unquoted line end or semicolon, but the next line end of a comment
-/// and if a quote never closes.
-int endOfEntry(const QByteArray &text, int start)
-{
-    bool isQuoted = text.at(start) == ';';
-    for (int at = isQuoted ? text.size() : start; at < text.size(); ++at) {
-        if (!isQuoted && (endsLine(text.at(at)) || text.at(at) == ';'))
-            return at;
-        if (text.at(at) == '\\')
-            ++at;
-        else if (text.at(at) == '"')
-            isQuoted = !isQuoted;
-    }
-    return isQuoted ? static_cast<int>(std::find_if(text.begin() + start, text.end(), endsLine) - text.begin())
-                    : text.size();
-}
-
-/// The place of one of our entries in the text of a settings file. Without a key: the end of the first [General] line.
+/// The place of one of our entries in the text of a settings file. Without a key: the end of a [General] line.
 struct Entry
 {
-    QLatin1String key;
+    QString key;
     int start;
     int end;
 };
@@ -149,24 +125,23 @@ struct Entry
 /// Returns our entries in `text`. As in QSettings, those before the first section belong to [General].
 QVector<Entry> entriesIn(const QByteArray &text)
 {
+    // An entry ends before an unquoted line end or semicolon, but with its line if a quote never closes.
+    static const QString rest =
+        QStringLiteral(R"((?:(?:[^\r\n;"\\]++|\\[\s\S]|"(?:[^"\\]++|\\[\s\S])*+")*+(?!["\\])|[^\r\n]*+))");
+    static const QString key = QStringLiteral("(colsWidth|geometry|paramList|windowState)[ \\t]*+=");
+    static const QRegularExpression token(
+        QStringLiteral(R"(^\xEF\xBB\xBF|;[^\r\n]*+|\[([^]\r\n]*+)%1|%2%1|(?:(?!;|\[|%2)\S%1\s*+)++)").arg(rest, key));
     QVector<Entry> entries;
     bool isGeneral = true;
-    bool hasGeneral = false;
-    for (int at = text.startsWith(byteOrderMark) ? 3 : 0, end = at; at < text.size(); at = end) {
-        const bool isBlank = text.at(at) == ' ' || text.at(at) == '\t' || endsLine(text.at(at));
-        end = isBlank ? at + 1 : endOfEntry(text, at);
-        const QByteArray entry = QByteArray::fromRawData(text.constData() + at, end - at);
-        const int equals = entry.indexOf('=');
-        if (entry.startsWith('[')) {
-            isGeneral = entry.mid(1, entry.indexOf(']') - 1).trimmed().toLower() == "general";
-            if (isGeneral && !hasGeneral)
-                entries.append({QLatin1String(), end, end});
-            hasGeneral = hasGeneral || isGeneral;
-        } else if (isGeneral && equals >= 0) {
-            const auto *key = std::find(std::begin(keys), std::end(keys), QLatin1String(entry.left(equals).trimmed()));
-            if (key != std::end(keys))
-                entries.append({*key, at, end});
-        }
+    for (auto matches = token.globalMatch(QString::fromLatin1(text)); matches.hasNext();) {
+        const QRegularExpressionMatch match = matches.next();
+        const bool isSection = match.capturedStart(1) >= 0;
+        if (isSection)
+            isGeneral = match.captured(1).trimmed().compare(QLatin1String("general"), Qt::CaseInsensitive) == 0;
+        if (isGeneral && isSection)
+            entries.append({QString(), match.capturedEnd(), match.capturedEnd()});
+        else if (isGeneral && match.capturedStart(2) >= 0)
+            entries.append({match.captured(2), match.capturedStart(), match.capturedEnd()});
     }
     return entries;
 }
@@ -202,31 +177,32 @@ bool writeSettings(QIODevice &file, const QSettings::SettingsMap &values)
     if (present.open(QIODevice::ReadOnly) ? !readWhole(present, text) : QFileInfo::exists(present.fileName()))
         return false;
 
-    const auto isGeneral = [](const Entry &entry) { return entry.key.isNull(); };
+    const auto isSection = [](const Entry &entry) { return entry.key.isEmpty(); };
     QVector<Entry> entries = entriesIn(text);
-    if (std::none_of(entries.cbegin(), entries.cend(), isGeneral)) {
-        text.insert(text.startsWith(byteOrderMark) ? 3 : 0, "[General]\n");
+    if (std::none_of(entries.cbegin(), entries.cend(), isSection)) {
+        text.insert(text.startsWith("\xEF\xBB\xBF") ? 3 : 0, "[General]\n");
         entries = entriesIn(text);
     }
     QSettings::SettingsMap remaining = values;
     QByteArray result;
     int copied = 0;
-    int generalEnd = 0;
+    int sectionEnd = 0;
     for (const Entry &entry : qAsConst(entries)) {
         result += text.mid(copied, entry.start - copied);
         copied = entry.end;
-        if (isGeneral(entry))
-            generalEnd = result.size();
+        if (isSection(entry))
+            sectionEnd = result.size();
         else if (remaining.contains(entry.key)) // else a second entry of this key, which is dropped
             result += encoded(entry.key, remaining.take(entry.key));
     }
     result += text.mid(copied);
     QByteArray added;
-    for (const QLatin1String key : keys) {
+    for (const auto key :
+         {SettingsKey::colsWidth, SettingsKey::geometry, SettingsKey::paramList, SettingsKey::windowState}) {
         if (remaining.contains(key))
             added += '\n' + encoded(key, remaining.take(key));
     }
-    result.insert(generalEnd, added);
+    result.insert(sectionEnd, added);
 
     if (saveFile.write(result) != result.size() || !saveFile.flush())
         return false;

@@ -221,6 +221,7 @@ private slots:
         addTextRow("one line", QByteArray(1000000, '='));
         addTextRow("brackets", QByteArray(100000, '['));
         addTextRow("quotes", QByteArray("a=\"\n").repeated(100001));
+        addTextRow("short lines", QByteArray("a\n").repeated(sampleSize(100000, 25000000)));
         QByteArray bytes(sampleSize(1000000, 50000000), Qt::Uninitialized);
         std::mt19937 random(1);
         for (char &byte : bytes)
