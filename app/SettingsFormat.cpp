@@ -197,7 +197,7 @@ bool writeSettings(QIODevice &file, const QSettings::SettingsMap &values)
     }
     result += text.mid(copied);
     QByteArray added;
-    for (const auto key :
+    for (const char *key :
          {SettingsKey::colsWidth, SettingsKey::geometry, SettingsKey::paramList, SettingsKey::windowState}) {
         if (remaining.contains(key))
             added += '\n' + encoded(key, remaining.take(key));

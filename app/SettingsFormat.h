@@ -6,10 +6,10 @@
 // QSettings::registerFormat. Damaged values of other types can crash or hang Qt's own parser.
 
 namespace SettingsKey {
-constexpr QLatin1String colsWidth("colsWidth");
-constexpr QLatin1String geometry("geometry");
-constexpr QLatin1String paramList("paramList");
-constexpr QLatin1String windowState("windowState");
+constexpr auto colsWidth = "colsWidth";
+constexpr auto geometry = "geometry";
+constexpr auto paramList = "paramList";
+constexpr auto windowState = "windowState";
 } // namespace SettingsKey
 
 /// Reads the values of the four keys from `file`. Ignores malformed values and foreign entries. Returns false on
