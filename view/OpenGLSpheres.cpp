@@ -15,8 +15,8 @@ namespace {
 /// A latitude-longitude sphere of `n` bands: (n + 1)^2 vertices, row by row from pole to pole, and n^2 cells of four
 /// indices of vertices. Has no vertices for a negative `n` and no cells for an `n` below 1.
 ///
-/// Each vertex and each cell is an allocation of its own, which costs time but is part of the interface, and so is a
-/// static pointer to the mesh while a sphere is drawn.
+/// Allocates each vertex and each cell separately and is drawn through a static pointer: slower than one array, but part
+/// of the interface.
 struct SphereMesh
 {
     using Cell = std::array<std::size_t, 4>;

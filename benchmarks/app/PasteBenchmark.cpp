@@ -1,6 +1,6 @@
-// Time and peak memory of a paste, for texts of several shapes and sizes, from another program (xclip).
+// Time and peak memory of a paste from another program (xclip), for texts of several shapes and sizes.
 //
-// Both should grow as the text does. Needs a display: scripts/on-virtual-display.sh PasteBenchmark
+// Both should be proportional to the text. Needs a display: scripts/on-virtual-display.sh PasteBenchmark
 
 #include "app/Clipboard.h"
 #include "engine/Pendrix3D.h"
@@ -17,7 +17,7 @@
 
 namespace {
 
-/// A value of this process's memory status in MB, such as "VmHWM", the peak of its resident memory.
+/// Returns a value of this process's memory status in MB, such as "VmHWM", the peak of its resident memory.
 double megabytesOf(const QByteArray &name)
 {
     QFile status(QStringLiteral("/proc/self/status"));
@@ -31,8 +31,8 @@ double megabytesOf(const QByteArray &name)
     return 0.0;
 }
 
-/// Lets the peak of the resident memory start from now.
-void forgetPeak()
+/// Resets the peak of the resident memory to its current value.
+void resetPeak()
 {
     QFile references(QStringLiteral("/proc/self/clear_refs"));
     if (references.open(QIODevice::WriteOnly))
@@ -46,7 +46,7 @@ void copyElsewhere(const QByteArray &text)
     xclip.write(text);
     xclip.closeWriteChannel();
     xclip.waitForFinished(-1);
-    QThread::msleep(200); // its child takes the selection
+    QThread::msleep(200); // for its child to own the selection
     QCoreApplication::processEvents();
 }
 
@@ -57,7 +57,7 @@ int main(int argc, char *argv[])
     const QApplication application(argc, argv);
     QTextStream out(stdout);
     const std::pair<const char *, QByteArray> shapes[] = {
-        {"lines that take no row", "123456789\n"},
+        {"lines without a row", "123456789\n"},
         {"one line", "1234567890"},
         {"one line of tabs", "\t"},
         {"good lines", "1\t2\t3\t4\t5\t6\n"},
@@ -66,7 +66,7 @@ int main(int argc, char *argv[])
     for (const auto &[name, piece] : shapes) {
         for (const int megabytes : {25, 50, 100}) {
             copyElsewhere(piece.repeated(megabytes * 1000000 / piece.size()));
-            forgetPeak();
+            resetPeak();
             const double before = megabytesOf("VmRSS");
             QElapsedTimer clock;
             clock.start();
@@ -74,7 +74,7 @@ int main(int argc, char *argv[])
             const double all = static_cast<double>(clock.nsecsElapsed()) * 1e-9;
             const double peak = megabytesOf("VmHWM") - before;
 
-            // Once more from a text at hand: without the way through the display server.
+            // Once more from this process's clipboard, without the transfer through the X server.
             QGuiApplication::clipboard()->setText(QGuiApplication::clipboard()->text());
             clock.restart();
             pasteParamsFromClipboard(pdx3);

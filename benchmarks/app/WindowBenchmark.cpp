@@ -1,6 +1,6 @@
-// clazy:excludeall=non-pod-global-static (that is how benchmarks are registered)
+// clazy:excludeall=non-pod-global-static (Google Benchmark registers benchmarks with them)
 
-// What the user waits for beside the curve: settings loaded and saved, rows copied and pasted.
+// Loading and saving the settings, copying and pasting the rows.
 // Needs a display: scripts/on-virtual-display.sh WindowBenchmark
 
 #include "app/Clipboard.h"
@@ -18,7 +18,7 @@ void loadSettings(benchmark::State &state)
     MainWindow window; // loads them once
     while (state.KeepRunning()) {
         state.PauseTiming();
-        window.saveSettings(); // closes the store
+        window.saveSettings(); // closes the settings file
         state.ResumeTiming();
         window.loadSettings();
     }
