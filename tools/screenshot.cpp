@@ -1,10 +1,9 @@
-// Takes a picture of the program: screenshot PROGRAM FILE [USE]
-// Without arguments, tells by its exit status whether an X display can be reached.
+// Takes a screenshot of a program: screenshot PROGRAM FILE [USE]
+// Without arguments, reports by its exit status whether an X display is available.
 //
-// Starts PROGRAM, waits until its window shows the curve, lets the command USE do something with it, saves the window's
-// picture as FILE (PNG), closes the window the way a window manager's close button does, and ends with PROGRAM's exit
-// status, or 1 if anything went wrong.
-// For a display without a window manager, which would put the window into one of its own.
+// Starts PROGRAM, waits until its window shows a drawing, runs the command USE, saves a picture of the window as FILE
+// (PNG), closes the window as a window manager does, and exits with PROGRAM's status; with 1 after any error.
+// Requires a display without a window manager, which would place the window inside its own.
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
@@ -16,16 +15,16 @@
 
 #include <algorithm>
 
-// After Qt's headers: X11 defines macros of everyday names.
+// After Qt's headers: X11 defines macros with common names.
 #include <X11/Xlib.h>
 
 namespace {
 
-constexpr int patience = 300000; // ms; a software renderer on a loaded machine or in a debugging tool starts slowly
-constexpr int pause = 50;        // ms between two looks
+constexpr int patience = 300000; // ms; a software renderer under valgrind starts slowly
+constexpr int pause = 50;        // ms between two checks
 
-/// The top-level window with title `title`, or 0.
-Window findWindow(Display *display, const char *title)
+/// Returns the first visible top-level window with a title, 0 if there is none.
+Window findWindow(Display *display)
 {
     Window root = 0;
     Window parent = 0;
@@ -39,8 +38,7 @@ Window findWindow(Display *display, const char *title)
         char *name = nullptr;
         if (XGetWindowAttributes(display, children[i], &attributes) && attributes.map_state == IsViewable &&
             XFetchName(display, children[i], &name) && name) {
-            if (qstrcmp(name, title) == 0)
-                found = children[i];
+            found = children[i];
             XFree(name);
         }
     }
@@ -49,8 +47,8 @@ Window findWindow(Display *display, const char *title)
     return found;
 }
 
-/// Whether `picture` shows the curve: many vivid pixels in the right half; widgets are grey or nearly so.
-bool showsCurve(const QImage &picture)
+/// Returns whether the right half of `picture` has many vivid pixels; widgets are almost grey.
+bool showsDrawing(const QImage &picture)
 {
     constexpr int enough = 1000;
     int vivid = 0;
@@ -65,8 +63,8 @@ bool showsCurve(const QImage &picture)
     return vivid >= enough;
 }
 
-/// Asks the window to close, as its close button would.
-void askToClose(Display *display, Window window)
+/// Sends the window the request of its frame's close button.
+void requestClose(Display *display, Window window)
 {
     XEvent event = {};
     event.xclient.type = ClientMessage;
@@ -79,7 +77,7 @@ void askToClose(Display *display, Window window)
     XSync(display, False);
 }
 
-/// Windows come and go while we look; that one has gone is an answer and no error.
+/// A window may vanish between two requests: ignore the errors.
 int ignoreError(Display * /*display*/, XErrorEvent * /*event*/)
 {
     return 0;
@@ -118,12 +116,13 @@ int main(int argc, char *argv[])
     clock.start();
     Window window = 0;
     QImage picture;
-    while (!showsCurve(picture)) {
+    while (!showsDrawing(picture)) {
         if (program.waitForFinished(pause) || program.state() == QProcess::NotRunning)
-            return failed(QStringLiteral("the program ended by itself"));
+            return failed(QStringLiteral("the program ended too early"));
         if (clock.elapsed() > patience)
-            return failed(window ? QStringLiteral("the window shows no curve") : QStringLiteral("no window appeared"));
-        window = findWindow(display, "Pendrix 3D");
+            return failed(window ? QStringLiteral("the window shows no drawing")
+                                 : QStringLiteral("no window appeared"));
+        window = findWindow(display);
         if (window)
             picture = QGuiApplication::primaryScreen()->grabWindow(window).toImage();
     }
@@ -132,12 +131,12 @@ int main(int argc, char *argv[])
         use.setProcessChannelMode(QProcess::ForwardedChannels);
         use.start(arguments.at(3), QStringList());
         if (!use.waitForFinished(patience) || use.exitStatus() != QProcess::NormalExit || use.exitCode() != 0)
-            return failed(QStringLiteral("%1 has failed").arg(arguments.at(3)));
+            return failed(QStringLiteral("%1 failed").arg(arguments.at(3)));
         picture = QGuiApplication::primaryScreen()->grabWindow(window).toImage();
     }
     const bool saved = picture.save(file, "PNG");
 
-    askToClose(display, window);
+    requestClose(display, window);
     if (!program.waitForFinished(patience))
         return failed(QStringLiteral("the window did not close"));
     if (!saved)

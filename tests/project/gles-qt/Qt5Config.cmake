@@ -1,3 +1,3 @@
-# Stands in for a Qt that was built for OpenGL ES.
+# Fake package of a Qt that was built for OpenGL ES.
 set(Qt5_FOUND TRUE)
 set(Qt5Gui_OPENGL_IMPLEMENTATION GLESv2)

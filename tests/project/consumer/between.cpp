@@ -1,4 +1,0 @@
-int between()
-{
-    return 42;
-}

@@ -1,0 +1,1 @@
+// Empty: for targets that consist of what they link or precompile.

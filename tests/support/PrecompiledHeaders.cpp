@@ -1,1 +1,0 @@
-// Empty: the target of this file exists for its precompiled headers, which the tests reuse.
