@@ -37,8 +37,14 @@ to_check=(
   "clazy:program clazy-standalone"
   "cppcheck:program cppcheck"
   "shellcheck:program shellcheck"
+  "codespell:program codespell"
   "weston:program weston"
   "qtwayland5:nothing"
+)
+
+# shellcheck disable=SC2034
+to_cover=(
+  "gcovr:program gcovr"
 )
 
 # shellcheck disable=SC2034
