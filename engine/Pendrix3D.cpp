@@ -7,8 +7,6 @@
 #include "numerics/FloatModel.h"
 #include "numerics/Truncate.h"
 
-#include <qopengl.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -150,25 +148,6 @@ void Pendrix3D::setParams()
     params[3] = phase1;
     params[4] = phase2;
     params[5] = static_cast<float>(colorMode);
-}
-
-void Pendrix3D::draw()
-{
-    // The lists are public and may have been resized, so clamp the count.
-    const int count = std::min({nPoints, points.size(), colors.size()});
-    glBegin(GL_LINE_STRIP);
-    for (int i = 0; i < count; ++i) {
-        const CurvePoint &point = points.at(i);
-        glVertex3f(point.x, point.y, point.z);
-        qreal r = 0.0;
-        qreal g = 0.0;
-        qreal b = 0.0;
-        qreal a = 1.0;
-        // One call instead of four. Does not set the components of an invalid colour, which is opaque black.
-        colors.at(i).getRgbF(&r, &g, &b, &a);
-        glColor4f(static_cast<float>(r), static_cast<float>(g), static_cast<float>(b), static_cast<float>(a));
-    }
-    glEnd();
 }
 
 void Pendrix3D::next()

@@ -1,0 +1,26 @@
+// A file of its own, so that a program that computes curves without drawing them does not need OpenGL.
+
+#include "engine/Pendrix3D.h"
+
+#include <qopengl.h>
+
+#include <algorithm>
+
+void Pendrix3D::draw()
+{
+    // The lists are public and may have been resized, so clamp the count.
+    const int count = std::min({nPoints, points.size(), colors.size()});
+    glBegin(GL_LINE_STRIP);
+    for (int i = 0; i < count; ++i) {
+        const CurvePoint &point = points.at(i);
+        glVertex3f(point.x, point.y, point.z);
+        qreal r = 0.0;
+        qreal g = 0.0;
+        qreal b = 0.0;
+        qreal a = 1.0;
+        // One call instead of four. Does not set the components of an invalid colour, which is opaque black.
+        colors.at(i).getRgbF(&r, &g, &b, &a);
+        glColor4f(static_cast<float>(r), static_cast<float>(g), static_cast<float>(b), static_cast<float>(a));
+    }
+    glEnd();
+}
