@@ -1,0 +1,164 @@
+#include "export/Export.h"
+
+#include "engine/RowText.h"
+#include "export/Curve.h"
+#include "export/ExportError.h"
+#include "export/Writers.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <cmath>
+#include <cstdio>
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
+namespace {
+
+ExportError failure(const QString &problem, const QString &detail)
+{
+    return {ExportError::failure, problem, detail};
+}
+
+/// Returns the text of the file at `path`, UTF-8; "-" is standard input.
+QString textOfFile(const QString &path)
+{
+    constexpr qint64 mostBytes = 256 << 20; // more than twice what the clipboard is tested with
+    QFile file;
+    const bool isOpen = path == QLatin1String("-") ? file.open(stdin, QIODevice::ReadOnly)
+                                                   : (file.setFileName(path), file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = isOpen ? file.read(mostBytes + 1) : QByteArray();
+    if (file.error() != QFile::NoError)
+        throw failure(QStringLiteral("cannot read rows"), path + QStringLiteral(": ") + file.errorString());
+    if (bytes.size() > mostBytes)
+        throw failure(QStringLiteral("too many rows"), path);
+    return QString::fromUtf8(bytes);
+}
+
+/// Returns row `number` of the text file at `path`.
+QVector<float> rowOfText(const QString &path, int number)
+{
+    const QString text = textOfFile(path);
+    QStringView rest(text);
+    RowFields fields;
+    for (int row = 1; row <= number; ++row) {
+        if (!takeRow(rest, fields))
+            throw failure(QStringLiteral("no row %1").arg(number), path);
+    }
+    QVector<float> row;
+    for (const QStringView field : fields) {
+        const auto value = valueOfField(field);
+        if (!value || !std::isfinite(*value))
+            throw failure(QStringLiteral("row %1 has a field that is not a finite number").arg(number), path);
+        row.append(*value);
+    }
+    return row;
+}
+
+QVector<float> rowOf(const RowSource &source)
+{
+    switch (source.kind) {
+    case RowSource::Values:
+        return source.values;
+    case RowSource::Text:
+        return rowOfText(source.file, source.number);
+    case RowSource::Settings:
+        return pdx3.paramList.at(source.number - 1);
+    case RowSource::Preset:
+        break;
+    }
+    return pdx3.presets.at(source.number - 1);
+}
+
+bool write(const Curve &curve, const Options &options, QIODevice &device)
+{
+    switch (options.format) {
+    case Format::Png:
+        return writePng(curve, options.page, device);
+    case Format::Svg:
+        return writeSvg(curve, options.page, device);
+    case Format::Pdf:
+        return writePdf(curve, options.page, device);
+    case Format::Ply:
+        return writePly(curve, device);
+    case Format::Csv:
+        break;
+    }
+    return writeCsv(curve, device);
+}
+
+/// Writes the curve of `row` to the file at `path`, completely or not at all.
+void exportCurve(const QVector<float> &row, const Options &options, const QString &path)
+{
+    Curve curve = curveOf(row);
+    const int nonFinite = firstNonFinite(curve);
+    if (nonFinite >= 0)
+        throw failure(QStringLiteral("curve is not finite"), QStringLiteral("vertex %1").arg(nonFinite));
+    if (options.color.isValid()) {
+        for (CurveVertex &v : curve)
+            v.color = options.color.rgb();
+    }
+
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile())
+        throw failure(QStringLiteral("not a regular file"), path);
+    QSaveFile file(path);
+    // Without the flush, commit does not see an error in the last bytes.
+    if (!file.open(QIODevice::WriteOnly) || !write(curve, options, file) || !file.flush() || !file.commit()) {
+        const QString reason =
+            file.error() == QFile::NoError ? QStringLiteral("the picture cannot be made") : file.errorString();
+        throw failure(QStringLiteral("cannot write"), path + QStringLiteral(": ") + reason);
+    }
+}
+
+/// A progress bar on standard error; nothing if that is not a terminal.
+class Progress
+{
+public:
+    explicit Progress(int count) : total(count) {}
+    ~Progress() { print("\r\033[K"); } // an empty line
+    Q_DISABLE_COPY(Progress)
+
+    void show(int done) const
+    {
+        constexpr int width = 40;
+        const int full = done * width / total;
+        print('\r' + ('[' + QByteArray(full, '#') + QByteArray(width - full, ' ') + "] ") + QByteArray::number(done) +
+              '/' + QByteArray::number(total));
+    }
+
+private:
+    void print(const QByteArray &text) const
+    {
+        if (isVisible)
+            std::fputs(text.constData(), stderr);
+    }
+
+    int total;
+#ifdef Q_OS_UNIX
+    bool isVisible = isatty(STDERR_FILENO) == 1;
+#else
+    bool isVisible = false;
+#endif
+};
+
+} // namespace
+
+void exportCurves(const Options &options)
+{
+    QVector<float> row = rowOf(options.row);
+    advance(row, options.firstFrame);
+    if (options.frameCount == 0) {
+        exportCurve(row, options, options.file);
+        return;
+    }
+    const Progress progress(options.frameCount);
+    for (int frame = 1; frame <= options.frameCount; ++frame) {
+        exportCurve(row, options, numberedPath(options.file, frame));
+        advance(row, 1);
+        progress.show(frame);
+    }
+}

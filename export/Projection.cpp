@@ -1,0 +1,69 @@
+#include "export/Projection.h"
+
+#include "view/Camera.h"
+
+#include <QtMath>
+
+#include <cmath>
+
+namespace {
+
+using Rotation = Projection::Rotation;
+
+// Rounded to float: libm's double results may differ in the last bit from processor to processor, and no multiple of
+// 1/16 degree has a sine so close to the middle between two floats that this shows.
+
+double sine(double degrees)
+{
+    return static_cast<double>(static_cast<float>(std::sin(qDegreesToRadians(degrees))));
+}
+
+double cosine(double degrees)
+{
+    return static_cast<double>(static_cast<float>(std::cos(qDegreesToRadians(degrees))));
+}
+
+Rotation matrix(const double (&rows)[9])
+{
+    return Rotation(rows);
+}
+
+} // namespace
+
+Rotation rotationAboutX(double degrees)
+{
+    const double s = sine(degrees);
+    const double c = cosine(degrees);
+    return matrix({1.0, 0.0, 0.0, 0.0, c, -s, 0.0, s, c});
+}
+
+Rotation rotationAboutY(double degrees)
+{
+    const double s = sine(degrees);
+    const double c = cosine(degrees);
+    return matrix({c, 0.0, s, 0.0, 1.0, 0.0, -s, 0.0, c});
+}
+
+Rotation rotationAboutZ(double degrees)
+{
+    const double s = sine(degrees);
+    const double c = cosine(degrees);
+    return matrix({c, -s, 0.0, s, c, 0.0, 0.0, 0.0, 1.0});
+}
+
+Projection::Projection(const Page &page)
+    : rotation(rotationAboutX(static_cast<double>(Camera::degreesAboutX(page.turn.x))) *
+               rotationAboutY(static_cast<double>(Camera::degrees(page.turn.y))) *
+               rotationAboutZ(static_cast<double>(Camera::degrees(page.turn.z)))),
+      centerX(page.width / 2.0), centerY(page.height / 2.0), scale(centerY / Camera::nearHalfHeight)
+{
+}
+
+PagePoint Projection::operator()(double x, double y, double z) const
+{
+    const auto along = [this, x, y, z](int row) {
+        return rotation(row, 0) * x + rotation(row, 1) * y + rotation(row, 2) * z;
+    };
+    const double nearness = -1.0 / (along(2) + static_cast<double>(Camera::curveDistance));
+    return {centerX + along(0) * nearness * scale, centerY - along(1) * nearness * scale, nearness};
+}

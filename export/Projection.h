@@ -1,0 +1,36 @@
+#pragma once
+
+#include "export/Options.h"
+
+#include <QGenericMatrix>
+
+/// A point on a page, in the page's unit from its upper left corner, and its nearness to the eye: 1 / depth, in 1 per
+/// scene unit, which is linear along projected lines.
+struct PagePoint
+{
+    double x;
+    double y;
+    double nearness;
+};
+
+/// The projection of the scene onto a page by the camera of the curve's view; see Camera.h.
+struct Projection
+{
+    using Rotation = QGenericMatrix<3, 3, double>;
+
+    explicit Projection(const Page &page);
+
+    /// Returns the point of the page at which the eye sees the point `x`, `y`, `z` of the scene. The point must be less
+    /// than 5 scene units from the origin, so that it is before the eye.
+    PagePoint operator()(double x, double y, double z) const;
+
+    Rotation rotation;
+    double centerX; ///< of the page
+    double centerY;
+    double scale; ///< page units per scene unit at depth 1
+};
+
+/// Returns the rotation by `degrees` about the x, y or z axis.
+Projection::Rotation rotationAboutX(double degrees);
+Projection::Rotation rotationAboutY(double degrees);
+Projection::Rotation rotationAboutZ(double degrees);
