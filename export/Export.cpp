@@ -73,24 +73,41 @@ QVector<float> rowOf(const RowSource &source)
     return pdx3.presets.at(source.number - 1);
 }
 
-bool write(const Curve &curve, const Options &options, QIODevice &device)
+QByteArray contentOf(const Curve &curve, const Options &options)
 {
     switch (options.format) {
     case Format::Png:
-        return writePng(curve, options.page, device);
+        return pngOf(curve, options.page);
     case Format::Svg:
-        return writeSvg(curve, options.page, device);
+        return svgOf(curve, options.page);
     case Format::Pdf:
-        return writePdf(curve, options.page, device);
+        return pdfOf(curve, options.page);
     case Format::Ply:
-        return writePly(curve, device);
+        return plyOf(curve);
     case Format::Csv:
         break;
     }
-    return writeCsv(curve, device);
+    return csvOf(curve);
 }
 
-/// Writes the curve of `row` to the file at `path`, completely or not at all.
+/// Writes `content` to the file at `path`, completely or not at all.
+void save(const QByteArray &content, const QString &path)
+{
+    QFileInfo target(path);
+    for (int links = 0; target.isSymLink(); ++links) {
+        if (links == 40) // as the kernel
+            throw failure(QStringLiteral("too many links"), path);
+        target.setFile(target.symLinkTarget());
+    }
+    if (target.exists() && !target.isFile())
+        throw failure(QStringLiteral("not a regular file"), path);
+    QSaveFile file(target.filePath());
+    // Without the flush, commit does not see an error in the last bytes.
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush() || !file.commit())
+        throw failure(QStringLiteral("cannot write"), path + QStringLiteral(": ") + file.errorString());
+}
+
+/// Exports the curve of `row` to the file at `path`.
 void exportCurve(const QVector<float> &row, const Options &options, const QString &path)
 {
     Curve curve = curveOf(row);
@@ -102,16 +119,10 @@ void exportCurve(const QVector<float> &row, const Options &options, const QStrin
             v.color = options.color.rgb();
     }
 
-    const QFileInfo info(path);
-    if (info.exists() && !info.isFile())
-        throw failure(QStringLiteral("not a regular file"), path);
-    QSaveFile file(path);
-    // Without the flush, commit does not see an error in the last bytes.
-    if (!file.open(QIODevice::WriteOnly) || !write(curve, options, file) || !file.flush() || !file.commit()) {
-        const QString reason =
-            file.error() == QFile::NoError ? QStringLiteral("the picture cannot be made") : file.errorString();
-        throw failure(QStringLiteral("cannot write"), path + QStringLiteral(": ") + reason);
-    }
+    const QByteArray content = contentOf(curve, options);
+    if (content.isEmpty())
+        throw failure(QStringLiteral("cannot export"), QStringLiteral("not enough memory for the image"));
+    save(content, path);
 }
 
 /// A progress bar on standard error; nothing if that is not a terminal.

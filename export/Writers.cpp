@@ -3,6 +3,7 @@
 #include "export/LineImage.h"
 #include "export/Projection.h"
 
+#include <QBuffer>
 #include <QImageWriter>
 #include <QLocale>
 #include <QPainter>
@@ -38,11 +39,6 @@ void forEachRun(const Curve &curve, Draw draw)
     }
 }
 
-bool write(QIODevice &device, const QByteArray &content)
-{
-    return device.write(content) == content.size();
-}
-
 /// Returns `number` with as many digits as are needed to read the same number back.
 QByteArray shortest(double number)
 {
@@ -69,7 +65,7 @@ QByteArray fields(const Curve &curve, int i, char separator)
 
 } // namespace
 
-bool writePng(const Curve &curve, const Page &page, QIODevice &device)
+QByteArray pngOf(const Curve &curve, const Page &page)
 {
     const QVector<PagePoint> points = projected(curve, page);
     QVector<ImageVertex> vertices;
@@ -80,10 +76,11 @@ bool writePng(const Curve &curve, const Page &page, QIODevice &device)
     }
     const QImage image = imageOfLine(vertices, static_cast<int>(page.width), static_cast<int>(page.height),
                                      page.lineWidth, page.background);
-    return QImageWriter(&device, "png").write(image);
+    QBuffer buffer;
+    return QImageWriter(&buffer, "png").write(image) ? buffer.data() : QByteArray();
 }
 
-bool writeSvg(const Curve &curve, const Page &page, QIODevice &device)
+QByteArray svgOf(const Curve &curve, const Page &page)
 {
     const QByteArray width = shortest(page.width);
     const QByteArray height = shortest(page.height);
@@ -107,21 +104,21 @@ bool writeSvg(const Curve &curve, const Page &page, QIODevice &device)
         }
         text += "\"/>\n";
     });
-    return write(device, text + "</g>\n</svg>\n");
+    return text + "</g>\n</svg>\n";
 }
 
-bool writePdf(const Curve &curve, const Page &page, QIODevice &device)
+QByteArray pdfOf(const Curve &curve, const Page &page)
 {
     constexpr int dotsPerInch = 1200;
     constexpr double dotsPerMillimetre = dotsPerInch / 25.4;
-    QPdfWriter writer(&device);
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    QPdfWriter writer(&buffer);
     writer.setPageSize(
         QPageSize(QSizeF(page.width, page.height), QPageSize::Millimeter, QString(), QPageSize::ExactMatch));
     writer.setPageMargins(QMarginsF());
     writer.setResolution(dotsPerInch);
-    QPainter painter;
-    if (!painter.begin(&writer))
-        return false;
+    QPainter painter(&writer);
     painter.scale(dotsPerMillimetre, dotsPerMillimetre);
     if (page.background.isValid()) // to the edge, whatever the rounding of the page's size
         painter.fillRect(QRectF(0.0, 0.0, page.width + 1.0, page.height + 1.0), page.background);
@@ -133,10 +130,11 @@ bool writePdf(const Curve &curve, const Page &page, QIODevice &device)
             path.lineTo(points.at(i).x, points.at(i).y);
         painter.strokePath(path, QPen(QColor(color), page.lineWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     });
-    return painter.end();
+    painter.end();
+    return buffer.data();
 }
 
-bool writePly(const Curve &curve, QIODevice &device)
+QByteArray plyOf(const Curve &curve)
 {
     QByteArray text = "ply\nformat ascii 1.0\nelement vertex " + QByteArray::number(curve.size()) +
                       "\nproperty float x\nproperty float y\nproperty float z\n"
@@ -147,13 +145,13 @@ bool writePly(const Curve &curve, QIODevice &device)
         text += fields(curve, i, ' ') + '\n';
     for (int i = 1; i < curve.size(); ++i)
         text += QByteArray::number(i - 1) + ' ' + QByteArray::number(i) + '\n';
-    return write(device, text);
+    return text;
 }
 
-bool writeCsv(const Curve &curve, QIODevice &device)
+QByteArray csvOf(const Curve &curve)
 {
     QByteArray text = "t,x,y,z,red,green,blue\n";
     for (int i = 0; i < curve.size(); ++i)
         text += nineDigits(curve.at(i).t) + ',' + fields(curve, i, ',') + '\n';
-    return write(device, text);
+    return text;
 }

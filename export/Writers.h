@@ -3,21 +3,21 @@
 #include "export/Curve.h"
 #include "export/Options.h"
 
-class QIODevice;
+#include <QByteArray>
 
-// Each writes a finite curve to an open device and returns false if it could not. The device keeps its own errors, too.
+// Each returns the content of a file with a finite curve, in memory, so that a full disk cannot interrupt an encoder.
 
-/// Writes the curve as an antialiased image on which nearer lines hide farther ones.
-bool writePng(const Curve &curve, const Page &page, QIODevice &device);
+/// Returns an antialiased image on which nearer lines hide farther ones; nothing if there is no memory for the image.
+QByteArray pngOf(const Curve &curve, const Page &page);
 
-/// Writes the curve as polylines in curve order, one per run of segments of one colour, in millimetres.
-bool writeSvg(const Curve &curve, const Page &page, QIODevice &device);
+/// Returns polylines in curve order, one per run of segments of one colour, in millimetres.
+QByteArray svgOf(const Curve &curve, const Page &page);
 
-/// As writeSvg. The page's width and height are rounded to whole points.
-bool writePdf(const Curve &curve, const Page &page, QIODevice &device);
+/// As svgOf. The page's width and height are rounded to whole points.
+QByteArray pdfOf(const Curve &curve, const Page &page);
 
-/// Writes the vertices and the edges between them, in scene units.
-bool writePly(const Curve &curve, QIODevice &device);
+/// Returns the vertices and the edges between them, in scene units.
+QByteArray plyOf(const Curve &curve);
 
-/// Writes a line per vertex under a line of titles.
-bool writeCsv(const Curve &curve, QIODevice &device);
+/// Returns a line per vertex under a line of titles.
+QByteArray csvOf(const Curve &curve);

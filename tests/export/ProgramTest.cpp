@@ -1,0 +1,365 @@
+// The program pendrix3d-export from outside.
+
+#include "tests/support/SampleSize.h"
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+struct Result
+{
+    int status;
+    QByteArray out;
+    QByteArray errors;
+
+    /// Whether the program succeeded and printed nothing.
+    bool isSilentSuccess() const { return status == 0 && out.isEmpty() && errors.isEmpty(); }
+
+    /// Whether the program failed with `expected` and one line on standard error.
+    bool isFailure(int expected) const
+    {
+        const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 32 || c == 127; };
+        return status == expected && out.isEmpty() && errors.startsWith("pendrix3d-export: ") &&
+               errors.endsWith('\n') && errors.count(": ") >= 2 &&
+               std::none_of(errors.begin(), errors.end() - 1, isControl) &&
+               QString::fromUtf8(errors).toUtf8() == errors;
+    }
+};
+
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+}
+
+void save(const QString &path, const QByteArray &content)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+}
+
+} // namespace
+
+class ProgramTest : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir folder;
+    QProcessEnvironment environment;
+
+    QString path(const QString &name) const { return folder.filePath(name); }
+
+    QStringList files() const { return QDir(folder.path()).entryList(QDir::Files | QDir::Hidden | QDir::System); }
+
+    /// Runs the program in `folder`.
+    Result run(const QStringList &arguments, const QByteArray &input = QByteArray()) const
+    {
+        return runShell("exec \"$0\" \"$@\"", arguments, input);
+    }
+
+    /// Runs the shell command `command`, in which $0 is the program and $@ are `arguments`.
+    Result runShell(const QString &command, const QStringList &arguments = {},
+                    const QByteArray &input = QByteArray()) const
+    {
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.setWorkingDirectory(folder.path());
+        process.start("/bin/sh", QStringList({"-c", command, PENDRIX_EXPORT_PROGRAM}) + arguments);
+        process.write(input);
+        process.closeWriteChannel();
+        const bool finished = process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit;
+        return {finished ? process.exitCode() : -1, process.readAllStandardOutput(), process.readAllStandardError()};
+    }
+
+private slots:
+    void init()
+    {
+        QVERIFY(folder.isValid());
+        QDir(folder.path()).removeRecursively();
+        QVERIFY(QDir().mkpath(folder.path()));
+        environment = QProcessEnvironment();
+        environment.insert("PATH", qEnvironmentVariable("PATH"));
+        environment.insert("HOME", path("home"));
+        for (const char *sanitizer : {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS"})
+            environment.insert(sanitizer, qEnvironmentVariable(sanitizer));
+    }
+
+    // ---- Success ----
+
+    void exportsEveryFormat_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("start");
+        QTest::newRow("PNG") << "a.png" << QByteArray("\x89PNG");
+        QTest::newRow("SVG") << "a.svg" << QByteArray("<?xml");
+        QTest::newRow("PDF") << "a.pdf" << QByteArray("%PDF-");
+        QTest::newRow("PLY") << "a.ply" << QByteArray("ply\n");
+        QTest::newRow("CSV") << "a.csv" << QByteArray("t,x,y,z,red,green,blue\n0.0199999996,");
+    }
+
+    void exportsEveryFormat()
+    {
+        QFETCH(QString, name);
+        QFETCH(QByteArray, start);
+        QVERIFY(run({name}).isSilentSuccess());
+        QVERIFY(contentOf(path(name)).startsWith(start));
+        QCOMPARE(files(), QStringList(name)); // nothing else is left
+    }
+
+    void imageHasRequestedSizeAndBackground()
+    {
+        QVERIFY(run({"--size=30x20", "--background=#102030", "a.png"}).isSilentSuccess());
+        QVERIFY(run({"--size=30x20", "--background=none", "b.png"}).isSilentSuccess());
+        const QImage image(path("a.png"));
+        QCOMPARE(image.size(), QSize(30, 20));
+        QCOMPARE(image.pixel(0, 0), qRgb(0x10, 0x20, 0x30));
+        QCOMPARE(QImage(path("b.png")).pixel(0, 0), 0U);
+    }
+
+    void rowSourcesAreEquivalent()
+    {
+        QVERIFY(run({"preset.csv", "--preset=2"}).isSilentSuccess());
+        QVERIFY(run({"values.csv", "--values=2,3,4,.25,0,2.9"}).isSilentSuccess());
+        QVERIFY(run({"settings.csv", "--row=2"}).isSilentSuccess()); // without a settings file
+        QVERIFY(run({"stdin.csv", "--rows=-"}, "2\t3\t4\t0.25\t0\t2").isSilentSuccess());
+        save(path("rows.txt"), "\xEF\xBB\xBFnotes\r\n1\t1\t1\t1\t1\tx\r\n\r\n 2 \t\t3\t4\t0.25\t0\t2\r\n");
+        QVERIFY(run({"rows.csv", "--rows=rows.txt", "--row=2"}).isSilentSuccess());
+        const QByteArray expected = contentOf(path("preset.csv"));
+        for (const char *name : {"values.csv", "settings.csv", "stdin.csv", "rows.csv"})
+            QCOMPARE(contentOf(path(name)), expected);
+        QVERIFY(!QFile::exists(path("home")));
+    }
+
+    void writesNumberedFrames()
+    {
+        QVERIFY(run({"--frames=3", "--frame=10", "a.b.csv"}).isSilentSuccess());
+        QCOMPARE(files(), QStringList({"a.b-00001.csv", "a.b-00002.csv", "a.b-00003.csv"}));
+        QVERIFY(run({"--frame=12", "single.csv"}).isSilentSuccess());
+        QCOMPARE(contentOf(path("a.b-00003.csv")), contentOf(path("single.csv")));
+        QVERIFY(contentOf(path("a.b-00002.csv")) != contentOf(path("single.csv")));
+    }
+
+    void oneColorReplacesTheEnginesColors()
+    {
+        QVERIFY(run({"--color=#010203", "a.csv"}).isSilentSuccess());
+        QVERIFY(run({"--color=#010203", "a.svg"}).isSilentSuccess());
+        QCOMPARE(contentOf(path("a.csv")).count(",1,2,3\n"), 16666);
+        QCOMPARE(contentOf(path("a.svg")).count("<path "), 1);
+    }
+
+    void resultsAreIndependentOfTheEnvironment()
+    {
+        const QStringList options = {"--row=3", "--size=120x80", "--turn=1.5,2.5,3.5"};
+        const QStringList formats = {"png", "svg"};
+        for (const QString &format : formats)
+            QVERIFY(run(options + QStringList("a." + format)).isSilentSuccess());
+        const QProcessEnvironment usual = environment;
+        for (const char *setting :
+             {"QT_QPA_PLATFORM=nonsense", "QT_QPA_PLATFORM=xcb", "LC_ALL=de_DE.UTF-8", "LC_ALL=xx_YY",
+              "HOME=", "HOME=/nonexistent/home", "HOME=/dev/null", "QT_LOGGING_RULES=*=true"}) {
+            environment = usual;
+            environment.insert(QString(setting).section('=', 0, 0), QString(setting).section('=', 1));
+            for (const QString &format : formats) {
+                const Result result = run(options + QStringList("b." + format));
+                QVERIFY2(result.isSilentSuccess(), setting + result.errors);
+                QVERIFY2(contentOf(path("b." + format)) == contentOf(path("a." + format)), setting);
+            }
+        }
+    }
+
+    void acceptsNamesOfAnyBytes()
+    {
+        for (const char *locale : {"C", "C.UTF-8"}) {
+            environment.insert("LC_ALL", locale);
+            // Bytes that are not UTF-8, in the name and in an error message.
+            const Result result =
+                runShell("name=$(printf 'a\\344\\303\\244.csv'); \"$0\" \"$name\" && mv \"$name\" b.csv && "
+                         "\"$0\" \"$(printf 'folder\\033\\344\\302\\233/\\303\\244.csv')\"");
+            QVERIFY(result.isFailure(1));
+            QVERIFY2(result.errors.contains("folder?"
+                                            "?"
+                                            "?/\xC3\xA4.csv: "),
+                     result.errors);
+            QVERIFY(QFile::remove(path("b.csv")));
+        }
+    }
+
+    void followsLinks()
+    {
+        QVERIFY(QDir(folder.path()).mkdir("target"));
+        QVERIFY(QFile::link("target/new.csv", path("dangling.csv")));
+        save(path("target/old.csv"), "old");
+        QVERIFY(QFile::link("target/old.csv", path("link.csv")));
+        for (const char *name : {"dangling.csv", "link.csv"}) {
+            QVERIFY(run({name}).isSilentSuccess());
+            QVERIFY(QFileInfo(path(name)).isSymLink());
+            QVERIFY(contentOf(path(name)).startsWith("t,x"));
+        }
+        QCOMPARE(QDir(path("target")).entryList(QDir::Files), QStringList({"new.csv", "old.csv"}));
+    }
+
+    void showsProgressOnTerminalsOnly()
+    {
+        const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+        QVERIFY(terminal >= 0 && grantpt(terminal) == 0 && unlockpt(terminal) == 0);
+        const Result result = runShell(QString("\"$0\" --frames=2 a.csv 2> %1").arg(ptsname(terminal)));
+        char text[4096];
+        const QByteArray shown(text, int(read(terminal, text, sizeof text)));
+        close(terminal);
+        QCOMPARE(result.status, 0);
+        QVERIFY(shown.contains("[####################                    ] 1/2"));
+        QVERIFY(shown.endsWith("\r\033[K"));
+    }
+
+    void helpAndVersionFailIfTheyCannotBeWritten()
+    {
+        for (const char *option : {"--help", "--version", "-h", "-v"}) {
+            const Result result = run({option});
+            QVERIFY(result.status == 0 && result.errors.isEmpty() && result.out.contains("pendrix3d-export"));
+            for (const char *output : {"> /dev/full", ">&-", "| true"}) {
+                // The shell's status is that of the last program of a pipe.
+                const Result failed =
+                    runShell(QString("{ sleep .02; \"$0\" %1; echo $? > status; } %2").arg(option, output));
+                QCOMPARE(contentOf(path("status")), QByteArray("1\n"));
+                QVERIFY2(failed.errors.startsWith("pendrix3d-export: cannot write: "), failed.errors);
+            }
+        }
+    }
+
+    // ---- Failure ----
+
+    void failuresKeepFiles_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("status");
+        QTest::newRow("usage") << QStringList({"--preset=0", "a.csv"}) << 2;
+        QTest::newRow("unknown option with control characters") << QStringList({"--x\n\033[2J\u009B", "a.csv"}) << 2;
+        QTest::newRow("no finite curve") << QStringList({"--values=1,3e38,1,0,0,0", "a.csv"}) << 1;
+        QTest::newRow("no such rows") << QStringList({"--rows=none.txt", "a.csv"}) << 1;
+        QTest::newRow("rows that are a folder") << QStringList({"--rows=.", "a.csv"}) << 1;
+        QTest::newRow("rows that are unlimited") << QStringList({"--rows=/dev/zero", "a.csv"}) << 1;
+        QTest::newRow("row not reached") << QStringList({"--rows=rows.txt", "--row=5", "a.csv"}) << 1;
+        QTest::newRow("no number") << QStringList({"--rows=rows.txt", "--row=2", "a.csv"}) << 1;
+        QTest::newRow("infinity") << QStringList({"--rows=rows.txt", "--row=3", "a.csv"}) << 1;
+        QTest::newRow("out of range") << QStringList({"--rows=rows.txt", "--row=4", "a.csv"}) << 1;
+        QTest::newRow("folder") << QStringList({"--format=csv", "folder"}) << 1;
+        QTest::newRow("missing folder") << QStringList({"none/a.csv"}) << 1;
+        QTest::newRow("device") << QStringList({"--format=csv", "/dev/null"}) << 1;
+        QTest::newRow("full device") << QStringList({"--format=csv", "/dev/full"}) << 1;
+        QTest::newRow("standard output") << QStringList({"--format=csv", "/dev/stdout"}) << 1;
+        QTest::newRow("pipe") << QStringList({"pipe.csv"}) << 1;
+        QTest::newRow("link to a pipe") << QStringList({"link.csv"}) << 1;
+        QTest::newRow("links in a circle") << QStringList({"circle.csv"}) << 1;
+        QTest::newRow("name too long") << QStringList({QString(300, 'a') + ".csv"}) << 1;
+    }
+
+    void failuresKeepFiles()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, status);
+        save(path("a.csv"), "kept");
+        save(path("rows.txt"), "1\t2\t3\t4\t5\t6\n1\t2\tx\t4\t5\t6\n1\t2\t3\tinf\t5\t6\n1\t2\t3\t1e39\t5\t6\n");
+        QVERIFY(QDir(folder.path()).mkdir("folder"));
+        QCOMPARE(mkfifo(QFile::encodeName(path("pipe.csv")).constData(), 0600), 0);
+        QVERIFY(QFile::link("pipe.csv", path("link.csv")) && QFile::link("circle.csv", path("circle.csv")));
+        const QStringList before = files();
+        const Result result = run(arguments);
+        QVERIFY2(result.isFailure(status), result.errors);
+        QCOMPARE(files(), before);
+        QCOMPARE(contentOf(path("a.csv")), QByteArray("kept"));
+    }
+
+    void fullDisksLeaveNoPartialFile_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const char *name : {"a.png", "a.svg", "a.pdf", "a.ply", "a.csv"})
+            QTest::newRow(name) << name;
+    }
+
+    void fullDisksLeaveNoPartialFile()
+    {
+        QFETCH(QString, name);
+        save(path(name), "kept");
+        for (const int blocks : {0, 1, 64}) { // of 512 bytes
+            const Result result = runShell(QString("ulimit -f %1; \"$0\" %2").arg(blocks).arg(name));
+            QVERIFY2(result.isFailure(1), result.errors);
+            QCOMPARE(files(), QStringList(name));
+            QCOMPARE(contentOf(path(name)), QByteArray("kept"));
+        }
+    }
+
+    void finishedFramesStayIfLaterOneFails()
+    {
+        QVERIFY(QDir(folder.path()).mkdir("a-00003.csv"));
+        QVERIFY(run({"--frames=5", "a.csv"}).isFailure(1));
+        QCOMPARE(files(), QStringList({"a-00001.csv", "a-00002.csv"}));
+    }
+
+    void closedStreamsDoNoHarm()
+    {
+        for (const char *streams : {"<&-", ">&-", "2>&-", "<&- >&- 2>&-"}) {
+            QCOMPARE(runShell(QString("\"$0\" a.csv %1").arg(streams)).status, 0);
+            QVERIFY(contentOf(path("a.csv")).startsWith("t,x"));
+            QVERIFY(QFile::remove(path("a.csv")));
+        }
+        // The message does not go to the file that would have the number of the stream.
+        QCOMPARE(runShell("\"$0\" --values=1,3e38,1,0,0,0 a.csv 2>&-").status, 1);
+        QCOMPARE(files(), QStringList());
+        QVERIFY(runShell("\"$0\" --rows=- a.csv <&-").isFailure(1));
+    }
+
+    void reportsLackOfMemory()
+    {
+#if defined(__SANITIZE_ADDRESS__) || defined(PENDRIX_ADDRESS_SANITIZER)
+        QSKIP("AddressSanitizer needs more memory than the limit");
+#endif
+        QVERIFY(runShell("ulimit -v 500000; \"$0\" --size=16384x16384 a.png").isFailure(1));
+        QCOMPARE(files(), QStringList());
+    }
+
+    // ---- Corpora ----
+
+    void clipboardCorpusIsExportedOrRefused()
+    {
+        const QDir corpus(PENDRIX_CORPUS "/clipboard");
+        int exported = 0;
+        for (const QFileInfo &file : corpus.entryInfoList(QDir::Files)) {
+            for (int row = 1; row <= 64; row += sampleSize(13, 1)) {
+                const Result result = run({"--rows", file.filePath(), QString("--row=%1").arg(row), "a.csv"});
+                QVERIFY2(result.isSilentSuccess() || result.isFailure(1), qPrintable(file.fileName()) + result.errors);
+                QCOMPARE(QFile::remove(path("a.csv")), result.status == 0);
+                exported += result.status == 0 ? 1 : 0;
+            }
+        }
+        QVERIFY(exported > 0);
+    }
+
+    void settingsAreReadAndNeverWritten()
+    {
+        const QDir corpus(PENDRIX_CORPUS "/settings");
+        environment.insert("XDG_CONFIG_HOME", path("settings"));
+        const QString settings = path("settings/quillmoss/pdx3.conf");
+        for (const QFileInfo &file : corpus.entryInfoList(QDir::Files)) {
+            const QByteArray content = contentOf(file.filePath());
+            save(settings, content);
+            const Result result = run({"--row=1", "a.csv"});
+            QVERIFY2(result.isSilentSuccess() || result.isFailure(1), qPrintable(file.fileName()) + result.errors);
+            QCOMPARE(contentOf(settings), content);
+            QCOMPARE(QDir(path("settings/quillmoss")).entryList(QDir::Files | QDir::Hidden), QStringList("pdx3.conf"));
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(ProgramTest)
+#include "ProgramTest.moc"
