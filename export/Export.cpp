@@ -1,5 +1,6 @@
 #include "export/Export.h"
 
+#include "app/Settings.h"
 #include "engine/RowText.h"
 #include "export/Curve.h"
 #include "export/ExportError.h"
@@ -58,6 +59,14 @@ QVector<float> rowOfText(const QString &path, int number)
     return row;
 }
 
+/// Returns row `number` of the settings file, or the built-in row if there is no file or it is damaged.
+QVector<float> rowOfSettings(int number)
+{
+    const auto settings = openSettings();
+    const auto rows = settings ? storedParamList(*settings) : QVector<QVector<float>>();
+    return rows.isEmpty() ? pdx3.paramList.at(number - 1) : rows.at(number - 1);
+}
+
 QVector<float> rowOf(const RowSource &source)
 {
     switch (source.kind) {
@@ -66,7 +75,7 @@ QVector<float> rowOf(const RowSource &source)
     case RowSource::Text:
         return rowOfText(source.file, source.number);
     case RowSource::Settings:
-        return pdx3.paramList.at(source.number - 1);
+        return rowOfSettings(source.number);
     case RowSource::Preset:
         break;
     }
