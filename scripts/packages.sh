@@ -40,6 +40,8 @@ to_check=(
   "codespell:program codespell"
   "weston:program weston"
   "qtwayland5:nothing"
+  "librsvg2-bin:program rsvg-convert"
+  "poppler-utils:program pdftoppm"
 )
 
 # shellcheck disable=SC2034
