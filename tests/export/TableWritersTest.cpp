@@ -109,7 +109,7 @@ void showFrames(const QVector<float> &row, int frames)
     pdx3.set(row);
     for (int frame = 1; frame < frames; ++frame)
         pdx3.next();
-    setUsualSettings();
+    setDefaultSettings();
     pdx3.paletteSize = 512;
     if (frames > 0)
         pdx3.next();
@@ -124,7 +124,7 @@ class TableWritersTest : public QObject
     Q_OBJECT
 
     /// Verifies both formats for frame `frame` of `row`.
-    static void verify(QVector<float> row, int frame)
+    static void verify(const QVector<float> &row, int frame)
     {
         QVector<float> advanced = row;
         advance(advanced, frame);
