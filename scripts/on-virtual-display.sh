@@ -4,7 +4,8 @@
 # VIRTUAL_SCREEN is the size of the display in pixels, 1280x1024 by default.
 set -euo pipefail
 
-scratch=$(mktemp --directory)
+# In memory where possible: programs that save settings wait for the disk otherwise.
+scratch=$(mktemp --directory --tmpdir=/dev/shm 2> /dev/null || mktemp --directory)
 Xvfb -displayfd 3 -screen 0 "${VIRTUAL_SCREEN:-1280x1024}x24" -nolisten tcp 3> "$scratch/display" 2> "$scratch/messages" &
 server=$!
 trap 'kill "$server" 2> /dev/null || :; wait "$server" 2> /dev/null || :; rm -rf "$scratch"' EXIT
@@ -23,7 +24,7 @@ fi
 
 DISPLAY=:$(< "$scratch/display")
 export DISPLAY LIBGL_ALWAYS_SOFTWARE=1 QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR=$scratch
-export XDG_CONFIG_HOME=$scratch/settings XDG_CACHE_HOME=$scratch/cache
+export XDG_CONFIG_HOME=$scratch/settings XDG_CACHE_HOME=$scratch/cache TMPDIR=$scratch
 # Mesa reports a cache folder that it cannot create, for example after a change of the user id.
 export MESA_SHADER_CACHE_DISABLE=true
 unset WAYLAND_DISPLAY XAUTHORITY

@@ -32,21 +32,21 @@ class ResourcesTest : public QObject
     Q_OBJECT
 
 private slots:
-    void isThereInMain() { QCOMPARE(QDir(iconFolder()).entryList(QDir::Files, QDir::Name), iconNames()); }
+    void isRegisteredBeforeMain() { QCOMPARE(QDir(iconFolder()).entryList(QDir::Files, QDir::Name), iconNames()); }
 
-    void holdsNothingElse()
+    void holdsPageAndIconsOnly()
     {
         QStringList files;
         for (QDirIterator each(":/", QDir::Files, QDirIterator::Subdirectories); each.hasNext();) {
             const QString path = each.next();
-            if (!path.startsWith(":/q")) // the toolkit's own
+            if (!path.startsWith(":/q")) // Qt's resources
                 files << path.section('/', -1);
         }
         files.sort();
         QCOMPARE(files, QStringList("about.html") + iconNames());
     }
 
-    void isOfFormatVersionTwo()
+    void hasFormatVersionTwo()
     {
         const QByteArray source = contentOf(PENDRIX_BUNDLE_SOURCE);
         QVERIFY(source.contains("qInitResources_pendrix"));
@@ -54,7 +54,7 @@ private slots:
         QVERIFY(source.count("int version = 2;") > 0);
     }
 
-    void icons_data()
+    void iconsAreStoredUnchanged_data()
     {
         QTest::addColumn<QString>("name");
         const QStringList names = iconNames();
@@ -62,7 +62,7 @@ private slots:
             QTest::newRow(qPrintable(name)) << name;
     }
 
-    void icons()
+    void iconsAreStoredUnchanged()
     {
         QFETCH(QString, name);
         const QString path = iconFolder() + '/' + name;
@@ -91,7 +91,7 @@ private slots:
         QVERIFY2(covered > 100 && covered < 1000, QByteArray::number(covered));
     }
 
-    void thePage()
+    void pageIsStoredUnchanged()
     {
         const QResource page(":/about.html");
         const QByteArray file = contentOf(PENDRIX_RESOURCES "/about.html");
@@ -99,7 +99,7 @@ private slots:
         QCOMPARE(QByteArray(reinterpret_cast<const char *>(page.data()), static_cast<int>(page.size())), file);
     }
 
-    void everyIconHasItsDrawing()
+    void everyIconHasItsSource()
     {
         const QStringList names = iconNames();
         for (const QString &name : names)

@@ -5,8 +5,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-/// main of a test program with widgets. The user's settings stay untouched: the run has a home and a settings folder
-/// of its own, which are gone afterwards.
+/// main of a test program with widgets, with a temporary home and settings folder.
 #define PENDRIX_APPLICATION_TEST_MAIN(TestClass)                                                                       \
     int main(int argc, char *argv[])                                                                                   \
     {                                                                                                                  \

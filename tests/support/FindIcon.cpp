@@ -1,5 +1,5 @@
-// Looks an icon up as a desktop does: find-icon NAME
-// Prints the sizes in which the system's fallback theme has it, a line each, and fails if it has none.
+// Looks up an icon as a desktop does: find-icon NAME
+// Prints the sizes in which the fallback theme has the icon, one per line; fails if there are none.
 
 #include <QGuiApplication>
 #include <QIcon>

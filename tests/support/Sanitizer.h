@@ -1,7 +1,7 @@
 #pragma once
 
-// PENDRIX_ADDRESS_SANITIZER is defined under AddressSanitizer, which takes the allocator for itself and makes
-// everything take several times as long.
+// Defines PENDRIX_ADDRESS_SANITIZER under AddressSanitizer, which replaces the allocator and slows the program down
+// several times.
 
 #if defined(__SANITIZE_ADDRESS__)
 #define PENDRIX_ADDRESS_SANITIZER

@@ -1,5 +1,5 @@
-// Tells a picture of the curve from a blank one: vivid-colors FILE
-// Prints how many different colours of the picture are vivid. Widgets are grey or nearly so and have none.
+// Distinguishes a picture of the curve from a blank one: vivid-colors FILE
+// Prints the number of different vivid colours in the picture. Widgets are almost grey and have none.
 
 #include <QImage>
 #include <QSet>
@@ -11,7 +11,7 @@ int main(int argc, char *argv[])
 {
     const QImage picture(argc == 2 ? QString::fromLocal8Bit(argv[1]) : QString());
     if (picture.isNull()) {
-        QTextStream(stderr) << "vivid-colors: no picture to read\n";
+        QTextStream(stderr) << "vivid-colors: cannot read the picture\n";
         return 1;
     }
     QSet<QRgb> vivid;
