@@ -3,14 +3,14 @@
 #include <QDir>
 #include <QFile>
 
-// After Qt's headers: X11 defines macros of everyday names.
+// After Qt's headers: X11 defines macros with common names.
 #include <X11/Xlib.h>
 #include <X11/extensions/XRes.h>
 #include <malloc.h>
 
 namespace {
 
-/// The number after `key` in one of the process's files in /proc.
+/// Returns the number after `key` in a file of /proc.
 qint64 numberIn(const QString &path, const QByteArray &key)
 {
     QFile file(path);
@@ -21,125 +21,53 @@ qint64 numberIn(const QString &path, const QByteArray &key)
         if (line.startsWith(key))
             return line.mid(key.size()).simplified().split(' ').value(0).toLongLong();
     }
-    qFatal("there is no %s in %s", key.constData(), qPrintable(path));
+    qFatal("no %s in %s", key.constData(), qPrintable(path));
 }
 
-/// Bytes that are allocated and not freed, in all arenas.
-qint64 allocatedBytes()
+/// Returns the connection for measuring, separate from that of Qt: measuring must not change what is measured.
+Display *display()
 {
-    const struct mallinfo2 info = mallinfo2();
-    return static_cast<qint64>(info.uordblks) + static_cast<qint64>(info.hblkhd);
-}
-
-/// By how many bytes the straight line of least squares through the resident memory of `samples` rises from the first
-/// to the last.
-double residentGrowth(const QVector<Resources> &samples)
-{
-    double meanFrames = 0.0;
-    double meanBytes = 0.0;
-    for (const Resources &sample : samples) {
-        meanFrames += static_cast<double>(sample.frames) / samples.size();
-        meanBytes += static_cast<double>(sample.resident) / samples.size();
-    }
-    double together = 0.0;
-    double squares = 0.0;
-    for (const Resources &sample : samples) {
-        const double frames = static_cast<double>(sample.frames) - meanFrames;
-        together += frames * (static_cast<double>(sample.resident) - meanBytes);
-        squares += frames * frames;
-    }
-    return together / squares * static_cast<double>(samples.last().frames - samples.first().frames);
+    static Display *const connection = XOpenDisplay(nullptr);
+    return connection;
 }
 
 } // namespace
 
-QString Resources::titles()
+Resources measureResources(WId window)
 {
-    return QStringLiteral("  frames   heap kB  resident kB  files  threads  X resources  pixmaps kB");
-}
-
-QString Resources::line() const
-{
-    int sum = 0;
-    for (const int each : ofDisplay)
-        sum += each;
-    return QStringLiteral("%1 %2 %3 %4 %5 %6 %7")
-        .arg(frames, 8)
-        .arg(heap / 1024, 9)
-        .arg(resident / 1024, 12)
-        .arg(files, 6)
-        .arg(threads, 8)
-        .arg(sum, 12)
-        .arg(pixmaps / 1024, 11);
-}
-
-ResourceMeter::ResourceMeter(WId ownWindow) : window(ownWindow), connection(XOpenDisplay(nullptr))
-{
-    int event = 0;
-    int error = 0;
-    if (!connection || !XResQueryExtension(static_cast<Display *>(connection), &event, &error))
-        qFatal("the display does not tell what it keeps for us");
-}
-
-ResourceMeter::~ResourceMeter()
-{
-    XCloseDisplay(static_cast<Display *>(connection));
-}
-
-Resources ResourceMeter::measure(int frames) const
-{
-    auto *const display = static_cast<Display *>(connection);
     Resources now;
-    now.frames = frames;
-    // Page by page: the cheaper counts lag behind.
-    now.resident = numberIn(QStringLiteral("/proc/self/smaps_rollup"), "Rss:") * 1024;
-    now.heap = allocatedBytes();
-    now.threads = static_cast<int>(numberIn(QStringLiteral("/proc/self/status"), "Threads:"));
-    now.files =
-        QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
-
+    // First, because the first measurement opens the connection.
     int count = 0;
     XResType *types = nullptr;
     unsigned long bytes = 0;
-    if (!XResQueryClientResources(display, window, &count, &types) ||
-        !XResQueryClientPixmapBytes(display, window, &bytes))
-        qFatal("the display does not know us");
+    if (!display() || !XResQueryClientResources(display(), window, &count, &types) ||
+        !XResQueryClientPixmapBytes(display(), window, &bytes))
+        qFatal("the X server does not report the resources of its clients");
     for (int i = 0; i < count; ++i) {
-        char *const name = XGetAtomName(display, types[i].resource_type);
-        now.ofDisplay[QString::fromLatin1(name)] += static_cast<int>(types[i].count);
+        char *const name = XGetAtomName(display(), types[i].resource_type);
+        now["X resources " + QString::fromLatin1(name)] += static_cast<qint64>(types[i].count);
         XFree(name);
     }
     XFree(types);
-    now.pixmaps = static_cast<qint64>(bytes);
+    now["bytes of pixmaps"] = static_cast<qint64>(bytes);
+
+    const struct mallinfo2 info = mallinfo2();
+    now["allocated bytes"] = static_cast<qint64>(info.uordblks) + static_cast<qint64>(info.hblkhd);
+    // Counted page by page: the cheaper counters lag behind.
+    now["resident bytes"] = numberIn("/proc/self/smaps_rollup", "Rss:") * 1024;
+    now["threads"] = numberIn("/proc/self/status", "Threads:");
+    now["open files"] = QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
     return now;
 }
 
-QStringList judge(const QVector<Resources> &samples)
+QStringList growth(const Resources &first, const Resources &last)
 {
-    constexpr qint64 heapMargin = qint64{512} * 1024;
-    constexpr qint64 residentMargin = qint64{16} * 1024 * 1024;
-    constexpr double slopeMargin = 8.0 * 1024 * 1024;
-    constexpr int enoughForALine = 20;
-
-    const Resources &first = samples.first();
-    const Resources &last = samples.last();
-    QStringList growth;
-    const auto check = [&growth](const QString &what, qint64 from, qint64 to, qint64 margin) {
-        if (to > from + margin)
-            growth << QStringLiteral("%1 from %2 to %3").arg(what).arg(from).arg(to);
-    };
-    check(QStringLiteral("heap, bytes"), first.heap, last.heap, heapMargin);
-    check(QStringLiteral("resident memory, bytes"), first.resident, last.resident, residentMargin);
-    check(QStringLiteral("open files"), first.files, last.files, 0);
-    check(QStringLiteral("threads"), first.threads, last.threads, 0);
-    check(QStringLiteral("bytes of pixmaps"), first.pixmaps, last.pixmaps, 0);
-    for (auto type = last.ofDisplay.cbegin(); type != last.ofDisplay.cend(); ++type)
-        check(QStringLiteral("display resources of type %1").arg(type.key()), first.ofDisplay.value(type.key()),
-              type.value(), 0);
-
-    const QVector<Resources> later = samples.mid(samples.size() / 2);
-    if (samples.size() >= enoughForALine && residentGrowth(later) > slopeMargin)
-        growth
-            << QStringLiteral("resident memory in the second half, by %1 bytes").arg(residentGrowth(later), 0, 'f', 0);
-    return growth;
+    const Resources margins = {{"allocated bytes", 512 << 10}, {"resident bytes", 16 << 20}};
+    QStringList grown;
+    for (auto each = last.cbegin(); each != last.cend(); ++each) {
+        const qint64 before = first.value(each.key());
+        if (each.value() > before + margins.value(each.key()))
+            grown << QString("%1 from %2 to %3").arg(each.key()).arg(before).arg(each.value());
+    }
+    return grown;
 }
