@@ -1,8 +1,8 @@
-// Makes the pictures of the documents: gallery FOLDER
+// Renders the pictures of the documents: gallery FOLDER
 //
 // Writes window.png, the program's window, presets.png, the curves of the twelve presets, and color-modes.png, one
-// curve in the five colour modes, to FOLDER. All of them are drawn by the program's own window and view, with settings
-// of their own. Ends with 1 if a figure shows nothing or a picture cannot be written.
+// curve in the five colour modes, to FOLDER, drawn by the program's window and view with temporary settings. Exits with
+// 1 if a figure is blank or a picture cannot be written.
 
 #include "app/MainWindow.h"
 #include "engine/Pendrix3D.h"
@@ -22,12 +22,12 @@
 
 namespace {
 
-constexpr int cell = 320;    // pixels, of the square that a curve is drawn in
-constexpr int caption = 28;  // pixels, below it
-constexpr int smoothing = 2; // the view is so many times as wide and made smaller, for smooth lines
+constexpr int cell = 320;    // pixels, width and height of a figure
+constexpr int caption = 28;  // pixels, height of the caption below it
+constexpr int smoothing = 2; // supersampling factor
 constexpr int gap = 4;       // pixels, between the cells and around them
 
-// Seen half from above and from the side, in 1/16 degree: from straight above many figures look flat.
+// View angles in 1/16 degree: from straight above many figures look flat.
 constexpr int xAngle = 30 * 16;
 constexpr int yAngle = 25 * 16;
 
@@ -44,8 +44,7 @@ bool isBlack(const QImage &picture)
     return picture == black;
 }
 
-/// The figures as the view draws them, from left to right and from the top, `columns` in a row. No picture if one of
-/// them shows nothing.
+/// Returns a picture of the figures, row by row with `columns` each; a null image if a figure is blank.
 QImage sheet(PendrixWidget &view, const QVector<Figure> &figures, int columns)
 {
     const int rows = (figures.size() + columns - 1) / columns;
@@ -57,7 +56,7 @@ QImage sheet(PendrixWidget &view, const QVector<Figure> &figures, int columns)
         const QPoint corner(gap + i % columns * (cell + gap), gap + i / columns * (cell + caption + gap));
         pdx3.set(figures.at(i).row);
         view.makeCurrent();
-        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT); // which a grab leaves to the paint before it
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT); // grabFramebuffer does not clear
         const QImage drawn = view.grabFramebuffer();
         if (isBlack(drawn))
             return {};
@@ -68,7 +67,7 @@ QImage sheet(PendrixWidget &view, const QVector<Figure> &figures, int columns)
     return picture;
 }
 
-/// The numbers of a row as the table's columns have them, without the colour mode.
+/// Returns the numbers of a row in the order of the table's columns, without the colour mode.
 QString numbersOf(const QVector<float> &row)
 {
     const QVector<float> parameters = row.mid(0, Pendrix3D::rowLength - 1);
@@ -100,7 +99,7 @@ QVector<Figure> colorModes()
     return figures;
 }
 
-/// Lets the view show `count` frames.
+/// Waits until the view has shown `count` frames.
 void showFrames(const QOpenGLWidget &view, int count)
 {
     QEventLoop loop;
@@ -111,7 +110,7 @@ void showFrames(const QOpenGLWidget &view, int count)
     loop.exec();
 }
 
-/// The program's window with a preset selected, wide enough for all columns of the table.
+/// Returns a picture of the window with a preset selected, wide enough for all columns of the table.
 QImage windowPicture()
 {
     constexpr int preset = 9;
@@ -120,11 +119,11 @@ QImage windowPicture()
     MainWindow window;
     window.resize(tableWidth + curveWidth, 620);
     window.show();
-    showFrames(*window.ui->pdx3, 1); // docks have no size before
+    showFrames(*window.ui->pdx3, 1); // docks have no size before the first frame
     window.resizeDocks({window.ui->dockParams, window.ui->dockWidget}, {tableWidth, curveWidth}, Qt::Horizontal);
     window.ui->pdx3->setXRotation(xAngle);
     window.ui->pdx3->setYRotation(yAngle);
-    showFrames(*window.ui->pdx3, 10); // until sizes and places have settled
+    showFrames(*window.ui->pdx3, 10); // wait for the layout
     window.ui->tableParams->selectRow(preset);
     showFrames(*window.ui->pdx3, 10);
     return window.windowHandle()->screen()->grabWindow(window.winId()).toImage();
@@ -156,6 +155,6 @@ int main(int argc, char *argv[])
                        sheet(view, presets(), 4).save(folder.filePath(QStringLiteral("presets.png"))) &&
                        sheet(view, colorModes(), 5).save(folder.filePath(QStringLiteral("color-modes.png")));
     if (!saved)
-        QTextStream(stderr) << "gallery: a figure shows nothing, or " << folder.path() << " cannot be written to\n";
+        QTextStream(stderr) << "gallery: a figure is blank, or this folder is not writable: " << folder.path() << '\n';
     return saved ? 0 : 1;
 }

@@ -1,11 +1,10 @@
-// Draws the program's icon as an SVG file on its standard output: icon SIZE
+// Writes the program's icon as SVG to standard output: icon SIZE
 //
-// SIZE is the side of the icon in pixels that the drawing is made for: the smaller it is, the fewer turns of the curve
-// are drawn, and the thicker. What is made for 512 can be scaled to anything larger.
+// SIZE is the intended width in pixels: smaller icons have fewer and thicker turns of the curve. The drawing for 512
+// can be scaled up.
 //
-// The curve is the engine's: the second preset, coloured by its height, seen from above the edge of the paper, where
-// it looks like a butterfly. Its frequencies are whole numbers, so that every turn closes but for the damping; leaving
-// out turns leaves closed lines.
+// The curve is the engine's: the second preset, coloured by height, seen at a slant. Its frequencies are whole numbers,
+// so that each turn is almost a closed line, and turns can be left out.
 
 #include "engine/Pendrix3D.h"
 
@@ -22,20 +21,20 @@ namespace {
 
 constexpr double pi = 3.14159265358979323846;
 
-/// Points of the curve in a turn of the slowest pendulum, whose frequency is 1: time grows by 0.02 from point to point.
+/// Points per turn: time grows by 0.02 per point, and the frequencies are multiples of 1.
 constexpr double pointsPerTurn = 2.0 * pi / 0.02;
 
-/// The drawing's side in its own units.
+/// Width and height of the drawing in its units.
 constexpr double side = 512.0;
 
-/// How the icon is drawn for sizes from `size` on.
+/// Style of icons of at least `size` pixels.
 struct Style
 {
     int size;
-    int every;        ///< draws one turn of so many
+    int every;        ///< draws each turn of this number
     double lineWidth; ///< in units of the drawing
     double margin;    ///< from the drawing's edge to the plate
-    double extent;    ///< width or height of the curve, the larger of them
+    double extent;    ///< the larger of width and height of the curve
 };
 
 constexpr Style styles[] = {
@@ -43,7 +42,7 @@ constexpr Style styles[] = {
     {32, 9, 13.0, 8.0, 424.0},  {22, 26, 26.0, 0.0, 420.0}, {0, 60, 42.0, 0.0, 416.0},
 };
 
-/// A point of the drawing: x to the right, y down, z to the viewer.
+/// Point of the drawing: x to the right, y down, z to the viewer.
 struct Place
 {
     double x;
@@ -61,7 +60,7 @@ Place operator*(const Place &a, double factor)
     return {a.x * factor, a.y * factor, a.z * factor};
 }
 
-/// `point` as it is seen from 5 units away, the figure being tilted.
+/// Projects `point` of the tilted figure, seen from a distance of 5 units.
 Place seen(const CurvePoint &point)
 {
     constexpr double tilt = -25.0 * pi / 180.0;
@@ -75,7 +74,7 @@ Place seen(const CurvePoint &point)
     return {x * perspective, -up * perspective, near};
 }
 
-/// The curve's points in the drawing, centred and `extent` wide or high. Keeps z.
+/// Returns the curve's points in the drawing, centred and scaled to `extent`. Keeps z.
 QVector<Place> drawing(const QVector<CurvePoint> &points, double extent)
 {
     QVector<Place> places;
@@ -97,8 +96,8 @@ QVector<Place> drawing(const QVector<CurvePoint> &points, double extent)
     return places;
 }
 
-/// A channel of the curve's colour on the dark plate: pure blue is too dark to be seen there, and what is far is
-/// dimmer.
+/// Returns a channel of the curve's colour on the dark plate: brighter, because pure blue is too dark there, and dimmed
+/// with the distance.
 int channel(int value, double nearness)
 {
     const double light = 70.0 + value * 0.725;
@@ -110,15 +109,14 @@ QString coordinates(const Place &place)
     return QStringLiteral("%1 %2").arg(place.x, 0, 'f', 1).arg(place.y, 0, 'f', 1);
 }
 
-/// A bit of the line in one colour.
+/// Piece of the line in one colour.
 struct Piece
 {
     double z;
     QString path;
 };
 
-/// The line from the point of index `first` to that of index `last`, as a cubic, with the colour of the one in the
-/// middle.
+/// Returns the line between two indices of `places` as a cubic, in the colour of the middle point.
 Piece piece(const QVector<Place> &places, int first, int last, double lineWidth)
 {
     const auto slope = [&places](int i) {

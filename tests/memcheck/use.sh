@@ -1,19 +1,19 @@
 #!/usr/bin/env bash
-# Uses the program as somebody would who has it before them, for memcheck.sh: rows, an edit, turns, another size, copy,
-# paste, reset and the about box. Fails if the rows, the boxes or the size do not become what they are to be.
+# Uses the running program, for scripts/memcheck.sh: rows, an edit, turns, another size, copy, paste, reset and the
+# about box. Fails if the rows, the boxes or the size are not as expected.
 set -euo pipefail
 
-# until_true COMMAND ...: waits for it; under memcheck everything takes its time.
+# until_true COMMAND ...: waits up to a minute until the command succeeds; memcheck is slow.
 until_true() {
   for _ in {1..240}; do
     ! "$@" || return 0
     sleep 0.25
   done
-  echo "It did not come true: $*" >&2
+  echo "use.sh: this never succeeded: $*" >&2
   return 1
 }
 
-# copies_row NUMBER: copies, and tells whether the first row begins with the number.
+# copies_row NUMBER: copies the rows; succeeds if the first one begins with the number.
 copies_row() {
   xdotool key ctrl+c
   sleep 0.5
@@ -29,10 +29,10 @@ has_box() {
 }
 is_closed() { ! visible_windows | grep --line-regexp "$1" > /dev/null; }
 
-# click X Y [COUNT]: with the left button, there in the window.
-click() { xdotool mousemove --window "$window" "$1" "$2" click --repeat "${3-1}" --delay 50 1; }
+# click X Y: clicks at a position in the window.
+click() { xdotool mousemove --window "$window" "$1" "$2" click 1; }
 
-# drag BUTTON: turns the curve.
+# drag BUTTON: drags the curve.
 drag() {
   xdotool mousemove --window "$window" 550 300 mousedown "$1"
   for x in 560 575 590 600; do
@@ -44,7 +44,7 @@ drag() {
 window=$(xdotool search --sync --onlyvisible --name '^Pendrix 3D$' | head --lines=1)
 xdotool windowfocus --sync "$window"
 
-# The first cell; other rows and back; the cell edited.
+# Select rows, edit the first cell.
 click 80 95
 for key in Down Down Right Page_Down Page_Up Home; do
   xdotool key "$key"
@@ -60,12 +60,12 @@ drag 3
 xdotool windowsize "$window" 900 700
 until_true other_size
 
-# Another program's rows.
+# Paste rows of another program.
 printf '%s\t2\t3\t0.25\t0.5\t4\n' {100..163} | xclip -selection clipboard -in
 xdotool key ctrl+v
 until_true copies_row 100
 
-# The File menu's boxes: OK to the first, Escape to the second.
+# Answer the boxes of the File menu: the first with OK, the second with Escape.
 click 20 10
 until_true has_menu
 xdotool key Down Return
