@@ -14,7 +14,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 install_missing "${to_build[@]}"
 # Warnings and errors only: the checks for tests and benchmarks do not concern a user of the program.
 cmake --preset release --log-level=NOTICE
-cmake --build --preset release --target pendrix3d pendrix_screenshot
+cmake --build --preset release --target pendrix3d pendrix3d-export pendrix_screenshot
 
 # Without arguments, pendrix_screenshot only checks for a display.
 if [ -z "$screenshot" ] && build/release/tools/pendrix_screenshot; then

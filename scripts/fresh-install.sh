@@ -29,7 +29,7 @@ in_project() { in_system builder env --chdir=/root/pendrix3d "$@"; }
 in_system builder apt-get -qq update
 install builder "${to_build[@]%%:*}" "${to_package[@]%%:*}"
 in_project cmake --preset release > /dev/null
-in_project cmake --build --preset release --target pendrix3d tools/all tests/support/all > /dev/null
+in_project cmake --build --preset release --target pendrix3d pendrix3d-export tools/all tests/support/all > /dev/null
 in_project env --chdir=build/release cpack -G DEB
 in_project env --chdir=build/release cpack --config CPackSourceConfig.cmake
 

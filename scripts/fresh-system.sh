@@ -89,6 +89,13 @@ if grep --ignore-case 'test\|benchmark\|wayland\|debconf\|invoke-rc' "$log"; the
   exit 1
 fi
 
+step "Installation and its removal"
+in_project cmake --install build/release --prefix /usr/local > "$log"
+[ -x "$scratch/debian/usr/local/bin/pendrix3d" ]
+in_project cmake --build build/release --target uninstall > "$log"
+left=$(find "$scratch/debian/usr/local" -type f)
+[ -z "$left" ] || { printf 'Not removed: %s\n' "$left" >&2; exit 1; }
+
 step "./test.sh"
 measure ./test.sh
 test_took=$took

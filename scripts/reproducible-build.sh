@@ -17,7 +17,7 @@ build() {
   find "$folder" -exec touch --no-dereference --date="$2" {} +
   cmake -G Ninja -S "$folder" -B "$folder/build/release" \
     -DCMAKE_BUILD_TYPE=Release -DPENDRIX_BUILD_TESTS=OFF > /dev/null
-  cmake --build "$folder/build/release" --target pendrix3d > /dev/null
+  cmake --build "$folder/build/release" --target pendrix3d pendrix3d-export > /dev/null
   # Only the package depends on SOURCE_DATE_EPOCH.
   (cd "$folder/build/release" && SOURCE_DATE_EPOCH=$committed cpack -G DEB > cpack.log 2>&1) || {
     cat "$folder/build/release/cpack.log" >&2

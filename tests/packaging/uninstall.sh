@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Tests the target `uninstall` in a new build folder: uninstall.sh SOURCE PROGRAM FOLDER CMAKE_OPTION ...
-# Installs PROGRAM, a file, instead of building one. FOLDER is removed first.
+# Tests the target `uninstall` in a new build folder: uninstall.sh SOURCE FOLDER PROGRAM PROGRAM CMAKE_OPTION ...
+# Installs the two programs instead of building them. FOLDER is removed first.
 set -euo pipefail
-source=$1 program=$2 folder=$3
-shift 3
+source=$1 folder=$2 programs=("$3" "$4")
+shift 4
 manifest=$folder/build/install_manifest.txt
 
 # expect WHAT COMMAND ...: fails unless the command succeeds.
@@ -16,7 +16,7 @@ rm -rf "$folder"
 mkdir -p "$folder"
 cd "$folder"
 cmake -S "$source" -B build -DPENDRIX_BUILD_TESTS=OFF "$@" > log
-cp "$program" build/
+cp "${programs[@]}" build/
 ln -s /nonexistent/manifest "$manifest" # as little writable as the manifest of another user
 
 DESTDIR=root cmake --install build --prefix /usr > log
