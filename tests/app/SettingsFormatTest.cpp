@@ -169,12 +169,14 @@ private slots:
         row("quoted section", "[%General]\nROWS\n", false);
         row("no line end", "[General]\nROWS", true);
         row("carriage returns", "[General]\ra=1\rROWS\rb=2\r", true);
+        row("damage and carriage returns",
+            "[General]\rgeometry=@Variant(" + escapedText(streamed(9U) + streamed(0x7FFFFFFFU)) + ")\rROWS\r", true);
         row("both line ends", "[General]\r\na=1\r\nROWS\r\n", true);
         row("byte order mark", "\xEF\xBB\xBF[General]\nROWS\n", true);
         row("byte order mark and other section", "\xEF\xBB\xBF[Other]\nROWS\n", false);
         row("comment", "; \"\n[General]\nROWS ; \"\n", true);
         row("commented out", "[General]\n;ROWS\n", false);
-        row("blanks around =", "[General]\nparamList ROWS\n", false);
+        row("two words as a key", "[General]\nparamList ROWS\n", false);
         row("longer key", "[General]\nxROWS\n", false);
         row("in a quoted foreign value", "[General]\nforeign=\"\nROWS\n\"\n", false);
         row("behind an escaped line end", "[General]\nforeign=1\\\nROWS\n", false);
