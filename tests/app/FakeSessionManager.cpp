@@ -75,6 +75,7 @@ void whenReadable(int file, QObject *parent, const std::function<void(QSocketNot
 FakeSessionManager::FakeSessionManager()
 {
     manager = this;
+    IceSetIOErrorHandler([](IceConn) {}); // the default one exits
     char error[256] = {};
     SmsInitialize(
         "fake", "1", acceptClient, nullptr, [](char *) -> Bool { return 1; }, sizeof error, error);

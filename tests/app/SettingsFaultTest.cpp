@@ -237,6 +237,8 @@ private slots:
     {
         for (const mode_t mode : {0600, 0644, 0640}) {
             const FilledFolder folder;
+            const QByteArray damaged = variantLine("geometry", streamed(9U) + streamed(0x7FFFFFFFU));
+            QVERIFY(folder.write("[General]\n" + damaged + rowsLine(markedRows(1))));
             const QByteArray path = QFile::encodeName(folder.path());
             QVERIFY(chmod(path.constData(), mode) == 0);
             QVERIFY(save(markedRows(2)));

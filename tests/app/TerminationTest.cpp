@@ -84,7 +84,9 @@ class TerminationTest : public QObject
         auto process = std::make_unique<QProcess>();
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("XDG_CONFIG_HOME", folder->path(QString()));
-        environment.insert("SESSION_MANAGER", session);
+        environment.remove("SESSION_MANAGER");
+        if (!session.isEmpty())
+            environment.insert("SESSION_MANAGER", session);
         process->setProcessEnvironment(environment);
         process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
         process->start(program, arguments);
