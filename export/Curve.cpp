@@ -33,7 +33,7 @@ int firstNonFinite(const Curve &curve)
     const auto isFinite = [](const CurveVertex &v) {
         return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
     };
-    const auto found = std::find_if_not(curve.begin(), curve.end(), isFinite);
+    const auto *const found = std::find_if_not(curve.begin(), curve.end(), isFinite);
     return found == curve.end() ? -1 : static_cast<int>(found - curve.begin());
 }
 

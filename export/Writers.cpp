@@ -65,7 +65,7 @@ QByteArray fields(const Curve &curve, int i, char separator)
 
 } // namespace
 
-QByteArray pngOf(const Curve &curve, const Page &page)
+QImage imageOf(const Curve &curve, const Page &page)
 {
     const QVector<PagePoint> points = projected(curve, page);
     QVector<ImageVertex> vertices;
@@ -74,10 +74,14 @@ QByteArray pngOf(const Curve &curve, const Page &page)
         const PagePoint &point = points.at(i);
         vertices.append({point.x, point.y, point.nearness, vertexColor(curve, i)});
     }
-    const QImage image = imageOfLine(vertices, static_cast<int>(page.width), static_cast<int>(page.height),
-                                     page.lineWidth, page.background);
+    return imageOfLine(vertices, static_cast<int>(page.width), static_cast<int>(page.height), page.lineWidth,
+                       page.background);
+}
+
+QByteArray pngOf(const Curve &curve, const Page &page)
+{
     QBuffer buffer;
-    return QImageWriter(&buffer, "png").write(image) ? buffer.data() : QByteArray();
+    return QImageWriter(&buffer, "png").write(imageOf(curve, page)) ? buffer.data() : QByteArray();
 }
 
 QByteArray svgOf(const Curve &curve, const Page &page)

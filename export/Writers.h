@@ -4,10 +4,15 @@
 #include "export/Options.h"
 
 #include <QByteArray>
+#include <QImage>
 
-// Each returns the content of a file with a finite curve, in memory, so that a full disk cannot interrupt an encoder.
+/// Returns an antialiased image of the finite curve on which nearer lines hide farther ones. Returns a null image if
+/// there is no memory for it.
+QImage imageOf(const Curve &curve, const Page &page);
 
-/// Returns an antialiased image on which nearer lines hide farther ones; nothing if there is no memory for the image.
+// Each returns the content of a file with the finite curve, in memory, so that a full disk cannot interrupt an encoder.
+
+/// Returns imageOf as PNG; nothing if there is no memory for the image.
 QByteArray pngOf(const Curve &curve, const Page &page);
 
 /// Returns polylines in curve order, one per run of segments of one colour, in millimetres.

@@ -1,13 +1,12 @@
-// Renders the pictures of the documents: gallery FOLDER
+// Makes the pictures of the documents: gallery FOLDER
 //
-// Writes window.png, the program's window, presets.png, the curves of the twelve presets, and color-modes.png, one
-// curve in the five colour modes, to FOLDER, drawn by the program's window and view with temporary settings. Exits with
-// 1 if a figure is blank or a picture cannot be written.
+// Writes window.png, the application's window, presets.png, the twelve presets, color-modes.png, a curve in the five
+// colour modes, and export-png.png to FOLDER. Uses its own settings. Returns 1 if a picture cannot be written.
 
 #include "app/MainWindow.h"
 #include "engine/Pendrix3D.h"
+#include "export/Writers.h"
 #include "ui_MainWindow.h"
-#include "view/PendrixWidget.h"
 
 #include <QApplication>
 #include <QDir>
@@ -18,18 +17,15 @@
 #include <QTemporaryDir>
 #include <QTextStream>
 #include <QWindow>
-#include <qopengl.h>
 
 namespace {
 
-constexpr int cell = 320;    // pixels, width and height of a figure
-constexpr int caption = 28;  // pixels, height of the caption below it
-constexpr int smoothing = 2; // supersampling factor
-constexpr int gap = 4;       // pixels, between the cells and around them
+constexpr int cell = 320;   // width and height of a figure in pixels
+constexpr int caption = 28; // height of its caption
+constexpr int gap = 4;      // between figures and around them
 
-// View angles in 1/16 degree: from straight above many figures look flat.
-constexpr int xAngle = 30 * 16;
-constexpr int yAngle = 25 * 16;
+// In 1/16 degree. Seen from above, many figures look flat.
+constexpr Turn turn = {30 * 16, 25 * 16, 0};
 
 struct Figure
 {
@@ -37,16 +33,10 @@ struct Figure
     QString caption;
 };
 
-bool isBlack(const QImage &picture)
+/// Returns the figures with their captions, row by row, `columns` in each.
+QImage sheet(const QVector<Figure> &figures, int columns)
 {
-    QImage black(picture.size(), picture.format());
-    black.fill(Qt::black);
-    return picture == black;
-}
-
-/// Returns a picture of the figures, row by row with `columns` each; a null image if a figure is blank.
-QImage sheet(PendrixWidget &view, const QVector<Figure> &figures, int columns)
-{
+    const Page page = {cell, cell, 1.0, Qt::black, turn};
     const int rows = (figures.size() + columns - 1) / columns;
     QImage picture(columns * (cell + gap) + gap, rows * (cell + caption + gap) + gap, QImage::Format_RGB32);
     picture.fill(QColor(0x20, 0x20, 0x20));
@@ -54,20 +44,13 @@ QImage sheet(PendrixWidget &view, const QVector<Figure> &figures, int columns)
     painter.setPen(Qt::white);
     for (int i = 0; i < figures.size(); ++i) {
         const QPoint corner(gap + i % columns * (cell + gap), gap + i / columns * (cell + caption + gap));
-        pdx3.set(figures.at(i).row);
-        view.makeCurrent();
-        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT); // grabFramebuffer does not clear
-        const QImage drawn = view.grabFramebuffer();
-        if (isBlack(drawn))
-            return {};
-        painter.drawImage(corner, drawn.scaledToWidth(cell, Qt::SmoothTransformation));
+        painter.drawImage(corner, imageOf(curveOf(figures.at(i).row), page));
         painter.drawText(QRect(corner + QPoint(0, cell), QSize(cell, caption)), Qt::AlignCenter, figures.at(i).caption);
     }
-    painter.end();
     return picture;
 }
 
-/// Returns the numbers of a row in the order of the table's columns, without the colour mode.
+/// Returns the values of a row without the colour mode, as the table shows them.
 QString numbersOf(const QVector<float> &row)
 {
     const QVector<float> parameters = row.mid(0, Pendrix3D::rowLength - 1);
@@ -110,7 +93,7 @@ void showFrames(const QOpenGLWidget &view, int count)
     loop.exec();
 }
 
-/// Returns a picture of the window with a preset selected, wide enough for all columns of the table.
+/// Returns the application's window with a preset selected, wide enough for all columns of the table.
 QImage windowPicture()
 {
     constexpr int preset = 9;
@@ -121,8 +104,8 @@ QImage windowPicture()
     window.show();
     showFrames(*window.ui->pdx3, 1); // docks have no size before the first frame
     window.resizeDocks({window.ui->dockParams, window.ui->dockWidget}, {tableWidth, curveWidth}, Qt::Horizontal);
-    window.ui->pdx3->setXRotation(xAngle);
-    window.ui->pdx3->setYRotation(yAngle);
+    window.ui->pdx3->setXRotation(turn.x);
+    window.ui->pdx3->setYRotation(turn.y);
     showFrames(*window.ui->pdx3, 10); // wait for the layout
     window.ui->tableParams->selectRow(preset);
     showFrames(*window.ui->pdx3, 10);
@@ -144,17 +127,13 @@ int main(int argc, char *argv[])
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, scratch.path());
     const QImage window = windowPicture();
 
-    PendrixWidget view(nullptr);
-    view.setFixedSize(smoothing * cell, smoothing * cell);
-    view.show();
-    view.setXRotation(xAngle);
-    view.setYRotation(yAngle);
-
+    const QImage preset10 = imageOf(curveOf(pdx3.presets.at(9)), {480, 480, 1.0, Qt::black, turn});
     const QDir folder(arguments.at(1));
     const bool saved = window.save(folder.filePath(QStringLiteral("window.png"))) &&
-                       sheet(view, presets(), 4).save(folder.filePath(QStringLiteral("presets.png"))) &&
-                       sheet(view, colorModes(), 5).save(folder.filePath(QStringLiteral("color-modes.png")));
+                       sheet(presets(), 4).save(folder.filePath(QStringLiteral("presets.png"))) &&
+                       sheet(colorModes(), 5).save(folder.filePath(QStringLiteral("color-modes.png"))) &&
+                       preset10.save(folder.filePath(QStringLiteral("export-png.png")));
     if (!saved)
-        QTextStream(stderr) << "gallery: a figure is blank, or this folder is not writable: " << folder.path() << '\n';
+        QTextStream(stderr) << "gallery: cannot write: " << folder.path() << '\n';
     return saved ? 0 : 1;
 }

@@ -96,7 +96,7 @@ private slots:
                 advance(row, preset * 40);
                 const Curve curve = curveOf(row);
                 const QImage screenshot = view.picture(turn);
-                const ImageComparison result = compareImages(screenshot, QImage::fromData(pngOf(curve, pageOf(turn))));
+                const ImageComparison result = compareImages(screenshot, imageOf(curve, pageOf(turn)));
                 QVERIFY2(result.isAlike(),
                          qPrintable(QString("preset %1, turn %2,%3,%4: correlation %5, %6 of the pixels differ")
                                         .arg(preset + 1)
