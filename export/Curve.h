@@ -26,6 +26,6 @@ Curve curveOf(const QVector<float> &row);
 /// Returns the index of the first vertex with an infinite or NaN coordinate, or -1 if the curve is finite.
 int firstNonFinite(const Curve &curve);
 
-/// Returns the colour of vertex `i` as a view draws it: that of the point before, because of the one-vertex colour lag.
-/// Vertex 0 has the colour of point 0.
+/// Returns the colour of vertex `i` as a view draws it: the colour of the point before, because of the one-vertex
+/// colour lag. Vertex 0 has the colour of point 0.
 QRgb vertexColor(const Curve &curve, int i);

@@ -154,7 +154,7 @@ private:
     void print(const QByteArray &text) const
     {
         if (isVisible)
-            std::fputs(text.constData(), stderr);
+            (void)std::fputs(text.constData(), stderr);
     }
 
     int total;

@@ -26,12 +26,12 @@ void prepareProcess()
 {
 #ifdef Q_OS_UNIX
     for (int stream = 0; stream <= 2; ++stream) {
-        // The lowest free number is that of the closed stream. The mode is the one that the stream has no use for.
+        // open returns the lowest free number: the closed stream's. The mode is the one that the stream cannot use.
         if (fcntl(stream, F_GETFD) < 0)
             (void)open("/dev/null", stream == 0 ? O_WRONLY : O_RDONLY);
     }
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
+    (void)std::signal(SIGPIPE, SIG_IGN);
+    (void)std::signal(SIGXFSZ, SIG_IGN);
 #endif
     qInstallMessageHandler(ignoreMessage);
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
@@ -58,5 +58,5 @@ void printError(const ExportError &error)
     QString text = QString::fromUtf8(line.toLatin1());
     std::replace_if(
         text.begin(), text.end(), [](QChar character) { return !isPrintable(character); }, QLatin1Char('?'));
-    std::fputs((text + QLatin1Char('\n')).toUtf8().constData(), stderr);
+    (void)std::fputs((text + QLatin1Char('\n')).toUtf8().constData(), stderr);
 }
