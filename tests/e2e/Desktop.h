@@ -10,12 +10,12 @@
 namespace Desktop {
 
 /// Longest wait for any effect, in ms: a software renderer on a loaded machine is slow.
-constexpr int patience = 20000;
+constexpr int patience = 45000;
 
 /// Starts the window manager, which lives as long as the process. Returns false if it does not start.
 bool startWindowManager();
 
-/// Asks the window manager to close the window, as a task bar does.
+/// Sends the window manager the request to close the window, as a task bar does.
 void close(WId window);
 
 /// Returns what the screen shows of `area`.
