@@ -15,8 +15,8 @@ namespace {
 /// A latitude-longitude sphere of `n` bands: (n + 1)^2 vertices, row by row from pole to pole, and n^2 cells of four
 /// indices of vertices. Has no vertices for a negative `n` and no cells for an `n` below 1.
 ///
-/// Allocates each vertex and each cell separately and is drawn through a static pointer: slower than one array, but part
-/// of the interface.
+/// Allocates each vertex and each cell separately and is drawn through a static pointer: slower than one array, but
+/// part of the interface.
 struct SphereMesh
 {
     using Cell = std::array<std::size_t, 4>;
