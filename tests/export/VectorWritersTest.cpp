@@ -37,7 +37,7 @@ Vector rotated(const Vector &v, const Vector &axis, double degrees)
 }
 
 /// Returns the position on the page at which the application's view shows `point`.
-QPointF positionOf(const CurvePoint &point, const Page &page)
+QPointF pagePosition(const CurvePoint &point, const Page &page)
 {
     Vector v = {double(point.x), double(point.y), double(point.z)};
     v = rotated(v, {0.0, 0.0, 1.0}, page.turn.z / 16.0);
@@ -139,7 +139,7 @@ private slots:
         for (const Path &path : svg.paths) {
             QVERIFY(i == 0 || path.color != pdx3.colors.at(i - 1).name());
             for (int p = 0; p < path.points.size(); ++p) {
-                const QPointF difference = path.points.at(p) - positionOf(pdx3.points.at(i + p), page);
+                const QPointF difference = path.points.at(p) - pagePosition(pdx3.points.at(i + p), page);
                 QVERIFY(std::abs(difference.x()) <= 0.001 && std::abs(difference.y()) <= 0.001);
                 QVERIFY(p + 1 == path.points.size() || path.color == pdx3.colors.at(i + p).name());
             }
