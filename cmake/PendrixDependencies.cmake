@@ -1,7 +1,7 @@
 # Qt 5 and OpenGL.
 #
-# An imported target is visible only in the folder that finds it and below. Host projects link these libraries from the
-# parent folder, so targets found here are made global. Targets that the host has found already stay as they are.
+# An imported target is visible only in the folder that finds it and below. Host projects link these targets from the
+# parent folder, so the targets found here are made global. Targets that the host project has found stay unchanged.
 set(PENDRIX_IMPORTED
   Qt5::Core Qt5::Gui Qt5::Widgets Qt5::qmake Qt5::moc Qt5::rcc Qt5::uic
   OpenGL::OpenGL OpenGL::GLX OpenGL::GL)
@@ -16,7 +16,7 @@ find_package(Qt5 5.12 REQUIRED COMPONENTS Core Gui Widgets)
 if(Qt5Gui_OPENGL_IMPLEMENTATION MATCHES "GLES")
   message(FATAL_ERROR
     "This Qt was built for OpenGL ES, which has no fixed-function pipeline. "
-    "Pendrix 3D draws with the fixed-function pipeline and needs a Qt built for desktop OpenGL.")
+    "Pendrix 3D requires a Qt built for desktop OpenGL.")
 endif()
 
 set(OpenGL_GL_PREFERENCE GLVND)

@@ -4,8 +4,8 @@ check_cxx_compiler_flag(-ffile-prefix-map=a=b PENDRIX_MAPS_FILE_NAMES)
 # pendrix_target(TARGET): sets the compile and link options that every target needs.
 #
 # Curves and colours are fixed to the last bit of every float. This requires IEEE arithmetic as written: no contraction,
-# no excess precision, no reassociation. The options follow the user's own, so that a -ffast-math in CMAKE_CXX_FLAGS
-# affects neither compiling nor linking (where it would flush subnormal numbers to zero in the whole process).
+# no excess precision, no reassociation. These options come after CMAKE_CXX_FLAGS, so that a -ffast-math there affects
+# neither compiling nor linking (where it would flush subnormal numbers to zero in the whole process).
 # numerics/FloatModel.h and its test check the compiler.
 function(pendrix_target target)
   target_compile_features(${target} PUBLIC cxx_std_17)
@@ -38,7 +38,7 @@ function(pendrix_target target)
   elseif(MSVC)
     target_compile_options(${target} PRIVATE /fp:precise /W4 $<$<BOOL:${PENDRIX_WERROR}>:/WX>)
   else()
-    message(WARNING "Pendrix3D: unknown compiler ${CMAKE_CXX_COMPILER_ID}: floating-point results may differ")
+    message(WARNING "Pendrix3D: unknown compiler: ${CMAKE_CXX_COMPILER_ID}: floating-point results may differ")
   endif()
 endfunction()
 

@@ -1,5 +1,5 @@
-# CPack runs this before it makes a package from the installed tree. Converts the documents of a Debian package to the
-# form that Debian requires; does nothing for other packages.
+# CPack runs this script before it builds a package from the installed tree. Converts the documents of a Debian package
+# to the format that Debian requires. Does nothing for other packages.
 cmake_minimum_required(VERSION 3.19)
 
 if(NOT CPACK_GENERATOR STREQUAL "DEB")
@@ -9,10 +9,10 @@ endif()
 set(tree ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr/share)
 set(documents ${tree}/doc/${CPACK_PACKAGE_NAME})
 
-# The licence, in machine-readable form.
+# The licence in machine-readable format.
 file(READ ${documents}/LICENSE licence)
 if(NOT licence MATCHES "^MIT License\n\nCopyright \\(c\\) ([^\n]+)\n\n(.*[^\n])\n+$")
-  message(FATAL_ERROR "LICENSE: unexpected form")
+  message(FATAL_ERROR "LICENSE: unexpected format")
 endif()
 set(holder "${CMAKE_MATCH_1}")
 string(REGEX REPLACE "\n\n" "\n.\n" licence "${CMAKE_MATCH_2}")
@@ -28,13 +28,13 @@ License: Expat
 ")
 file(REMOVE ${documents}/LICENSE)
 
-# The changelogs of the program and of the package.
+# The changelogs of the program and the package.
 string(TIMESTAMP now "%a, %d %b %Y %H:%M:%S +0000" UTC) # or SOURCE_DATE_EPOCH
 file(RENAME ${documents}/CHANGELOG.md ${documents}/changelog)
 file(WRITE ${documents}/changelog.Debian "\
 ${CPACK_PACKAGE_NAME} (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) unstable; urgency=medium
 
-  * Package of version ${CPACK_PACKAGE_VERSION}; its changes are in changelog.gz.
+  * Package version ${CPACK_PACKAGE_VERSION}; see changelog.gz for the changes.
 
  -- ${CPACK_PACKAGE_CONTACT}  ${now}
 ")
@@ -46,7 +46,7 @@ execute_process(
 file(GLOB_RECURSE files ${documents}/* ${tree}/man/*)
 file(CHMOD ${files} PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
 
-# Reproducible builds: the modification times do not depend on the time of the build.
+# Reproducible builds: the modification times must not depend on the time of the build.
 if(DEFINED ENV{SOURCE_DATE_EPOCH})
   execute_process(
     COMMAND find ${CPACK_TEMPORARY_INSTALL_DIRECTORY} -exec touch --no-dereference --date=@$ENV{SOURCE_DATE_EPOCH} {} +
