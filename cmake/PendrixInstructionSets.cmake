@@ -1,8 +1,8 @@
 # Support for code that is compiled once per instruction set. The program selects a variant at run time. Such code must
 # not share inline functions with the rest of the program.
 
-# The instruction sets that this compiler and target processor support. Baseline is the instruction set of the
-# whole build.
+# The instruction sets that this compiler and target processor support. Baseline is the instruction set of the whole
+# build.
 set(PENDRIX_INSTRUCTION_SETS)
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
   list(APPEND PENDRIX_INSTRUCTION_SETS Baseline)

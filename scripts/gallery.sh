@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes the pictures in docs/ again: the window, the twelve presets, the five colour modes.
+# Renders the pictures in docs/ except export-svg.png: window, presets, colour modes and PNG example.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/packages.sh
