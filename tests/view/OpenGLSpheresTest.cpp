@@ -5,6 +5,7 @@
 #include "view/OpenGL.h"
 
 #include "tests/support/FakeOpenGL.h"
+#include "tests/support/Sanitizer.h"
 #include "tests/view/FloatArray.h"
 
 #include <QColor>
@@ -139,12 +140,12 @@ private slots:
         QSKIP("AddressSanitizer has its own operators new and delete, and reports leaks");
 #endif
         for (const int n : {0, 1, 2, 7}) {
-            const ArrayCount before = arrayCount;
+            const ArrayCount before = ArrayCount::now();
             gl.sphereLine(1.0F, n);
-            QCOMPARE(ArrayCount(arrayCount).threes, before.threes + (n + 1) * (n + 1));
+            QCOMPARE(ArrayCount::now().threes, before.threes + long(n + 1) * (n + 1));
             gl.sphere(1.0F, n, nullptr);
             gl.sphereTextured(1.0F, n);
-            QCOMPARE(ArrayCount(arrayCount).alive, before.alive);
+            QCOMPARE(ArrayCount::now().alive, before.alive);
         }
     }
 };

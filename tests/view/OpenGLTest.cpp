@@ -335,10 +335,10 @@ private slots:
                 }
                 expected << OpenGLCall{"glEnd", {}};
                 for (const float z : {0.0F, 5.0F, notANumber}) {
-                    const long arraysBefore = arrayCount.alive;
+                    const long arraysBefore = ArrayCount::now().alive;
                     FakeOpenGL::clear();
                     gl.circle(centred ? centre.data() : nullptr, n, z);
-                    QCOMPARE(ArrayCount(arrayCount).alive, arraysBefore);
+                    QCOMPARE(ArrayCount::now().alive, arraysBefore);
                     COMPARE_CALLS(expected);
                 }
             }
@@ -388,9 +388,9 @@ private slots:
         for (int k = 0; k < 48; k += 2)
             expected << OpenGLCall{"glVertex2f", {points.at(k), points.at(k + 1)}};
         expected << OpenGLCall{"glEnd", {}};
-        const long arraysBefore = arrayCount.alive;
+        const long arraysBefore = ArrayCount::now().alive;
         gl.ellipse(1.5F, -2.25F, 3.1F, 0.7F, 24);
-        QCOMPARE(ArrayCount(arrayCount).alive, arraysBefore);
+        QCOMPARE(ArrayCount::now().alive, arraysBefore);
         COMPARE_CALLS(expected);
     }
 };

@@ -24,7 +24,8 @@ class Probe : public PendrixWidget
 public:
     Probe() : PendrixWidget(nullptr)
     {
-        for (QTimer *timer : findChildren<QTimer *>())
+        const QList<QTimer *> timers = findChildren<QTimer *>();
+        for (QTimer *timer : timers)
             timer->stop();
     }
 
