@@ -10,7 +10,7 @@
 namespace {
 
 /// Returns the bounding box of the engine's curve in a view of `size`.
-QRect boxOf(const Pendrix3D &engine, const Turn &turn, QSize size)
+QRect boxOf(const Pendrix3D &engine, const Rotation &turn, QSize size)
 {
     QMatrix4x4 matrix;
     matrix.viewport(0.0F, 0.0F, static_cast<float>(size.width()), static_cast<float>(size.height()));
@@ -80,7 +80,7 @@ int shownBy(RunningProgram &program)
     return shown.size() == 1 ? shown.first() : -1;
 }
 
-bool shows(const QImage &view, const Row &row, const Turn &turn, int frames)
+bool shows(const QImage &view, const Row &row, const Rotation &turn, int frames)
 {
     constexpr int tolerance = 5; // pixels: line ends, and the animation between the examined frames
     constexpr int stride = 20;   // frames

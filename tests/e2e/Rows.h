@@ -30,7 +30,7 @@ Rows distinctRows();
 int shownBy(RunningProgram &program);
 
 /// Rotation of the curve by the user, in degrees.
-struct Turn
+struct Rotation
 {
     float aboutX = 0.0F;
     float aboutY = 0.0F;
@@ -39,7 +39,7 @@ struct Turn
 
 /// Returns whether a picture of the view shows the curve of `row`, by its bounding box. For a row whose box changes
 /// with the animation, accepts the box of any of the first `frames` frames.
-bool shows(const QImage &view, const Row &row, const Turn &turn = {}, int frames = 0);
+bool shows(const QImage &view, const Row &row, const Rotation &turn = {}, int frames = 0);
 
 /// Returns whether a picture of the view shows a curve in blue only, the colour of invalid colour modes.
 bool isBlue(const QImage &view);

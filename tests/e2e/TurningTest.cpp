@@ -34,7 +34,7 @@ private slots:
             const char *name;
             QVector<int> buttons;
             QPoint way;
-            Turn turn;
+            Rotation turn;
         } drags[] = {
             {"left", {1}, {80, -50}, {-25.0F, 40.0F, 0.0F}},
             {"right", {3}, {-50, 60}, {30.0F, 0.0F, -25.0F}},
@@ -43,7 +43,7 @@ private slots:
             {"out of the window", {1}, {400, 0}, {0.0F, 200.0F, 0.0F}},
         };
         for (const auto &drag : drags) {
-            const Turn turned = {drag.turn.aboutX, halfWay + drag.turn.aboutY, drag.turn.aboutZ};
+            const Rotation turned = {drag.turn.aboutX, halfWay + drag.turn.aboutY, drag.turn.aboutZ};
             program.drag(start, start + drag.way, drag.buttons);
             QVERIFY(program.paintsFrames(3));
             QVERIFY2(QTest::qWaitFor([&] { return shows(program.view(), row, turned); }, Desktop::patience), drag.name);
