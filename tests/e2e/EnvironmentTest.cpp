@@ -27,6 +27,8 @@ private slots:
         QVERIFY(std::abs(place.width() - 701 * scale) < scale);
         QVERIFY(std::abs(place.height() - 605 * scale) < scale);
 
+        const int columnWidth = program.cell(0, 1).x() - program.cell(0, 0).x();
+        QVERIFY2(std::abs(columnWidth - 100 * scale) <= scale, QByteArray::number(columnWidth)); // at 96 dpi
         RunningProgram::paste(textOf(distinctRows()));
         program.click(program.cell(4, 1));
         COMPARE_SOON(shownBy(program), 4);
