@@ -24,7 +24,7 @@ using Vector = std::array<float, 3>;
 using Calls = QVector<OpenGLCall>;
 
 constexpr float inf = std::numeric_limits<float>::infinity();
-const QVector<float> radii = {1.0F, -0.3F, 1e38F, 0.0F, inf};
+constexpr std::array<float, 5> radii = {1.0F, -0.3F, 1e38F, 0.0F, inf};
 
 /// Returns the vertex at polar angle pi i / n and azimuth 2 pi j / n.
 Vector vertexAt(float r, int n, int i, int j)

@@ -35,8 +35,8 @@ constexpr float inf = std::numeric_limits<float>::infinity();
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 constexpr Vector zero = {0.0F, 0.0F, 0.0F};
 
-const QVector<int> emptyCounts = {0, -1, lowest};
-const QVector<int> counts = {1, 2, 3, 4, 5, 7, 24, 1000};
+constexpr std::array<int, 3> emptyCounts = {0, -1, lowest};
+constexpr std::array<int, 8> counts = {1, 2, 3, 4, 5, 7, 24, 1000};
 
 Floats floatsOf(const Vector &v)
 {
