@@ -78,14 +78,14 @@ make_system() {
   fi
 }
 
-# in_system NAME COMMAND [ARGUMENT ...]: runs a command in the system as root, in root's home. Its processes and mounts
-# end with it.
+# in_system NAME COMMAND [ARGUMENT ...]: runs a command in the system as root, in root's home, with /proc and pseudo
+# terminals. Its processes and mounts end with it.
 in_system() {
   local root=$scratch/$1
   shift
   unshare --mount --pid --fork --kill-child --root="$root" --mount-proc --wd=/root \
     /usr/bin/env --ignore-environment HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin TERM=dumb LANG=C.UTF-8 \
-    "$@" < /dev/null
+    sh -c 'mount -t devpts -o newinstance,ptmxmode=0666 devpts /dev/pts && exec "$@"' sh "$@" < /dev/null
 }
 
 # clone_into NAME: clones the current commit to pendrix3d in root's home in the system.

@@ -141,9 +141,9 @@ private slots:
     {
         QTest::addColumn<QString>("option");
         QTest::addColumn<QString>("value");
-        const auto rows = [](const char *option, const QStringList &values) {
+        const auto rows = [](const QString &option, const QStringList &values) {
             for (const QString &value : values)
-                QTest::addRow("%s=%s", option, qPrintable(value)) << option << value;
+                QTest::newRow(qPrintable(option + QLatin1Char('=') + value)) << option << value;
         };
         rows("--format", {"", "gif", "png ", ".png", "none"});
         const QStringList notWhole = {"",   "0x1", "1.0", "1e0",    " 1",  "1 ",

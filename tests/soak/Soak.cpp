@@ -399,6 +399,10 @@ int main(int argc, char *argv[])
     MainWindow window;
     window.show();
     User user(window);
+    // Qt keeps an X cursor for each shape that it has used. Which shapes the user's pointer meets depends on timing.
+    for (int shape = 0; shape <= Qt::LastCursor; ++shape)
+        window.windowHandle()->setCursor(QCursor(static_cast<Qt::CursorShape>(shape)));
+    window.windowHandle()->unsetCursor();
 
     Resources first;
     Resources last;
