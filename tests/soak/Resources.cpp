@@ -62,8 +62,7 @@ Resources measureResources(WId window)
 
 QStringList growth(const Resources &first, const Resources &last)
 {
-    // Qt creates a cursor when its shape is first used: a splitter, a column border, an editor.
-    const Resources margins = {{"allocated bytes", 512 << 10}, {"resident bytes", 16 << 20}, {"X resources CURSOR", 3}};
+    const Resources margins = {{"allocated bytes", 512 << 10}, {"resident bytes", 16 << 20}};
     QStringList grown;
     for (auto each = last.cbegin(); each != last.cend(); ++each) {
         const qint64 before = first.value(each.key());
