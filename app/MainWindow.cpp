@@ -53,7 +53,8 @@ void MainWindow::loadSettings()
         restoreState(layout);
 
     QVector<QRect> screens;
-    for (const QScreen *screen : QGuiApplication::screens())
+    const QList<QScreen *> screenList = QGuiApplication::screens();
+    for (const QScreen *screen : screenList)
         screens << screen->availableGeometry();
     const QByteArray geometry = settings->value(SettingsKey::geometry).toByteArray();
     if (isUsableGeometry(geometry, screens) && restoreGeometry(geometry)) // which accepts any size

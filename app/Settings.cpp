@@ -65,7 +65,8 @@ std::unique_ptr<QSettings> openSettings()
     const QString systemFolder = nativeFolder(QSettings::SystemScope);
     if (!folders.contains(systemFolder))
         QSettings::setPath(format, QSettings::SystemScope, systemFolder);
-    for (const QString &place : folders << folder << systemFolder) {
+    folders << folder << systemFolder;
+    for (const QString &place : qAsConst(folders)) {
         if (!canOpen(place + QStringLiteral("/quillmoss.conf")) ||
             !canOpen(place + QStringLiteral("/quillmoss/pdx3.conf")))
             return settings; // without fallback

@@ -338,7 +338,7 @@ private slots:
 
     void missingKeysAreReadFromFallbackFiles()
     {
-        for (const QString name : {"quillmoss.conf", "system/quillmoss/pdx3.conf", "system/quillmoss.conf"}) {
+        for (const char *name : {"quillmoss.conf", "system/quillmoss/pdx3.conf", "system/quillmoss.conf"}) {
             const SettingsFolder folder;
             QVERIFY(QDir().mkpath(folder.path("system/quillmoss")));
             qputenv("XDG_CONFIG_DIRS", QFile::encodeName(folder.path("system")));

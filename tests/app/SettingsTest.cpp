@@ -259,7 +259,7 @@ private slots:
             QVector<QByteArray> damaged = {good.left(at), good, good, good, good};
             for (int i = 1; i < damaged.size(); ++i)
                 damaged[i][at] = "\x01\x7F\x80\xFF"[i - 1];
-            for (const QByteArray &bytes : damaged) {
+            for (const QByteArray &bytes : qAsConst(damaged)) {
                 const auto window = windowWith("[General]\n" + byteArrayLine(key, bytes));
                 if (key == "geometry")
                     window->show(); // applies it
