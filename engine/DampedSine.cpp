@@ -4,6 +4,8 @@
 #include "numerics/FloatModel.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstring>
 
 namespace {
 
@@ -49,24 +51,40 @@ DampedSineMethod &methodInUse()
     return method;
 }
 
+/// Returns the index of the first 1 among `flags`, from index `begin` on, or `end` if there is none. The other flags
+/// are 0. Calls memchr because compilers do not vectorise a search loop.
+int nextSet(const int *flags, int begin, int end)
+{
+    const auto *const bytes = reinterpret_cast<const char *>(flags + begin);
+    const void *const found = std::memchr(bytes, 1, static_cast<std::size_t>(end - begin) * sizeof *flags);
+    if (!found)
+        return end;
+    return begin + static_cast<int>((static_cast<const char *>(found) - bytes) / std::ptrdiff_t{sizeof *flags});
+}
+
 } // namespace
 
 int dampedSines(const float *angles, const float *amplitudes, float *displacements, int count)
 {
+    int computed = 0;
+    const auto computeByLibm = [&](int i) {
+        displacements[i] = dampedSine(angles[i], amplitudes[i]);
+        ++computed;
+    };
     DampedSineKernel *const kernel = kernelOf(methodInUse());
+    if (!kernel) {
+        for (int i = 0; i < count; ++i)
+            computeByLibm(i);
+        return computed;
+    }
     constexpr int blockLength = 256;
     int undecided[blockLength];
-    int computed = 0;
     for (int first = 0; first < count; first += blockLength) {
         const int length = std::min(count - first, blockLength);
-        if (kernel && !kernel(angles + first, amplitudes + first, displacements + first, undecided, length))
+        if (!kernel(angles + first, amplitudes + first, displacements + first, undecided, length))
             continue;
-        for (int i = 0; i < length; ++i) {
-            if (!kernel || undecided[i]) {
-                displacements[first + i] = dampedSine(angles[first + i], amplitudes[first + i]);
-                ++computed;
-            }
-        }
+        for (int i = nextSet(undecided, 0, length); i < length; i = nextSet(undecided, i + 1, length))
+            computeByLibm(first + i);
     }
     return computed;
 }

@@ -13,9 +13,9 @@ inline float dampedSine(float angle, float amplitude)
 /// arrays must not overlap. Returns how many of the sines libm computed.
 ///
 /// Fast path plus rounding test (Ziv): a vector kernel computes the product p of sine and amplitude with an error below
-/// 2^-49 p. Where p (1 - 2^-49) and p (1 + 2^-49) round to the same float, so does the product with libm's sine,
-/// because rounding is monotonic. Where they do not (about one product in 20 million), and for angles that are 0, NaN
-/// or beyond 2^22, dampedSine decides. Assumes that libm's `sin` is accurate to 1 ulp (2^-52 relative).
+/// 2^-35 p. Where p (1 - 2^-35) and p (1 + 2^-35) round to the same float, so does the product with libm's sine,
+/// because rounding is monotonic. Where they do not (about one product in 1400), and for angles that are NaN or beyond
+/// 2^22, dampedSine decides. Assumes that libm's `sin` is accurate to 1 ulp (2^-52 relative).
 int dampedSines(const float *angles, const float *amplitudes, float *displacements, int count);
 
 /// The ways to compute damped sines. All give the same results.

@@ -5,19 +5,19 @@
 #include "engine/VectorSine.h"
 
 // Rounding test: both ends of an interval around the product round to the same float, or the product is undecided.
-// The half-width 2^-49 covers the error of vectorSine (2^-50), that of libm's sine (2^-52), and the roundings of both
-// products and of the interval's end (2^-53 each).
+// The half-width 2^-35 covers the error of vectorSine (1.75 * 2^-36), that of libm's sine (2^-52), and the roundings of
+// both products and of the interval's end (2^-53 each).
 int PENDRIX_KERNEL(const float *__restrict angles, const float *__restrict amplitudes, float *__restrict displacements,
                    int *__restrict undecided, int count)
 {
     int anyUndecided = 0;
     for (int i = 0; i < count; ++i) {
         const double product = vectorSine(static_cast<double>(angles[i])) * static_cast<double>(amplitudes[i]);
-        const auto nearer = static_cast<float>(product * (1.0 - 0x1p-49));
-        const auto farther = static_cast<float>(product * (1.0 + 0x1p-49));
+        const auto nearer = static_cast<float>(product * (1.0 - 0x1p-35));
+        const auto farther = static_cast<float>(product * (1.0 + 0x1p-35));
         const float size = __builtin_fabsf(angles[i]);
-        // False for NaN. A zero angle is undecided because the sign of its sine matters.
-        const bool decided = (nearer == farther) & (size > 0.0F) & (size <= 0x1p+22F);
+        // False for NaN.
+        const bool decided = (nearer == farther) & (size <= 0x1p+22F);
         displacements[i] = nearer;
         undecided[i] = decided ? 0 : 1;
         anyUndecided |= undecided[i];

@@ -180,18 +180,17 @@ void Pendrix3D::calcCoords()
     points.resize(count);
     colors.resize(count);
     paletteColors.resize(paletteSize);
-    for (int i = 0; i < paletteSize; ++i)
-        paletteColors[i] = QColor(palette[i]);
-
     CurvePoint *const point = points.data();
     QColor *const color = colors.data();
-    const QColor *const paletteColor = paletteColors.constData();
+    QColor *const paletteColor = paletteColors.data();
+    for (int i = 0; i < paletteSize; ++i)
+        new (paletteColor + i) QColor(palette[i]);
     for (int first = 0; first < count; first += blockLength) {
         const int length = std::min(count - first, blockLength);
         int indices[blockLength];
         calcBlock(first, length, point + first, indices);
         for (int j = 0; j < length; ++j)
-            new (color + first + j) QColor(paletteColor[indices[j]]); // faster than an assignment: see paletteColors
+            new (color + first + j) QColor(paletteColor[indices[j]]);
     }
 }
 

@@ -100,7 +100,8 @@ private slots:
     {
         Inputs inputs;
         for (std::size_t count = 0; count < 600; ++count) {
-            QCOMPARE(inputs.computedByLibm(), expectedForLibm(0, count));
+            const int computed = inputs.computedByLibm();
+            QVERIFY(computed >= 0 && computed <= expectedForLibm(2, count));
             inputs.add(0.1F * static_cast<float>(count + 1), 1.0F - 0.001F * static_cast<float>(count));
         }
     }
@@ -108,10 +109,10 @@ private slots:
     void specialValues_data() { addDampedSineMethods(); }
     void specialValues()
     {
-        const std::vector<float> inRange = {1e-45F, 1.17549435e-38F, 1e-20F, 0.02F,   1.5707964F, 3.1415927F,
-                                            1e6F,   rangeEnd,        0.5F,   0.9999F, 6.2831855F};
-        const std::vector<float> outOfRange = {0.0F,  std::nextafter(rangeEnd, infinity), 105414350.0F, 1e10F,
-                                               1e38F, std::numeric_limits<float>::max(),  infinity,     notANumber};
+        const std::vector<float> inRange = {0.0F,       1e-45F, 1.17549435e-38F, 1e-20F, 0.02F,   1.5707964F,
+                                            3.1415927F, 1e6F,   rangeEnd,        0.5F,   0.9999F, 6.2831855F};
+        const std::vector<float> outOfRange = {std::nextafter(rangeEnd, infinity), 105414350.0F, 1e10F,     1e38F,
+                                               std::numeric_limits<float>::max(),  infinity,     notANumber};
         const auto allPairs = [&](const std::vector<float> &angles) {
             Inputs inputs;
             for (const float angle : angles) {
@@ -160,6 +161,21 @@ private slots:
         QVERIFY(computed >= 0 && computed <= limit);
     }
 
+    /// An interval that is too wide or too narrow changes the number of undecided products.
+    void fallbackRateOfOrdinaryProducts_data() { addDampedSineMethods(); }
+    void fallbackRateOfOrdinaryProducts()
+    {
+        std::mt19937 random(21);
+        Inputs inputs;
+        for (int i = 0; i < 400000; ++i) {
+            const auto angle = static_cast<float>(random()) * 0x1p-22F; // 0 to 1024
+            inputs.add(angle, static_cast<float>(random()) * 0x1p-32F); // 0 to 1
+        }
+        const int limit = expectedForLibm(350, inputs.angles.size());
+        const int computed = inputs.computedByLibm();
+        QVERIFY2(computed > 250 && computed <= limit, qPrintable(QString::number(computed)));
+    }
+
     void undecidedProducts_data() { addDampedSineMethods(); }
     void undecidedProducts()
     {
@@ -191,10 +207,10 @@ private slots:
             const float angle = floatOf(bits);
             const long double exact = std::sin(static_cast<long double>(angle));
             const long double error = std::abs((static_cast<long double>(vectorSine(double(angle))) - exact) / exact);
-            QVERIFY(error < 0x1p-50L); // false for NaN
+            QVERIFY(error < 0x1.cp-36L); // false for NaN
             worst = std::max(worst, static_cast<double>(error));
         }
-        QVERIFY(worst > 0x1p-54); // the reference is exact enough to show an error
+        QVERIFY(worst > 0x1.9p-36); // the sample contains angles near the largest error
     }
 };
 
