@@ -1,39 +1,28 @@
+// The form's objects and the wiring of its actions.
+
 #include "app/MainWindow.h"
 
-#include "engine/Pendrix3D.h"
-#include "table/Model.h"
+#include "table/TableParams.h"
 #include "tests/support/ApplicationTest.h"
 #include "ui_MainWindow.h"
 
-#include <QAbstractButton>
 #include <QMetaMethod>
-#include <QSettings>
-#include <QSignalSpy>
 
 #include <cstring>
-#include <memory>
 
 namespace {
 
-/// The object and those below it that the form names, in order of creation, a line each: "  Class name".
+/// Returns a line "  Class name" for the object and each descendant that the form names, in order of creation.
 QStringList treeOf(const QObject *object, int depth = 0)
 {
     QStringList lines;
     const QString name = object->objectName();
-    const bool ofTheToolkit = name.isEmpty() || name.startsWith("qt_") || name.startsWith('_');
-    if (!ofTheToolkit)
+    const bool isOfQt = name.isEmpty() || name.startsWith("qt_") || name.startsWith('_');
+    if (!isOfQt)
         lines << QString(2 * depth, ' ') + object->metaObject()->className() + ' ' + name;
     for (const QObject *child : object->children())
         lines << treeOf(child, depth + 1);
     return lines;
-}
-
-QStringList textsOf(const QList<QAction *> &actions)
-{
-    QStringList texts;
-    for (const QAction *action : actions)
-        texts << action->text();
-    return texts;
 }
 
 QImage imageOf(const QIcon &icon)
@@ -47,46 +36,11 @@ class MainWindowTest : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<MainWindow> window;
-    Ui_MainWindow *ui = nullptr;
-
-    void show() const
-    {
-        window->show();
-        window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(window.get()));
-    }
+    MainWindow window;
+    const Ui_MainWindow *ui = window.ui;
 
 private slots:
-    void init()
-    {
-        pdx3.set(0);
-        QFile::remove(QSettings("quillmoss", "pdx3").fileName()); // what another window has left
-        pdx3.resetParamList();
-        window = std::make_unique<MainWindow>();
-        ui = window->ui;
-    }
-
-    void cleanup() { window.reset(); }
-
-    void metaObject()
-    {
-        const QMetaObject &meta = MainWindow::staticMetaObject;
-        QCOMPARE(QByteArray(meta.className()), QByteArray("MainWindow"));
-        QCOMPARE(meta.superClass(), &QMainWindow::staticMetaObject);
-        QCOMPARE(meta.propertyCount(), QMainWindow::staticMetaObject.propertyCount());
-        QStringList slotNames;
-        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
-            QCOMPARE(meta.method(i).methodType(), QMetaMethod::Slot);
-            QCOMPARE(meta.method(i).access(), QMetaMethod::Private);
-            slotNames << QString(meta.method(i).methodSignature());
-        }
-        const QStringList expected = {"on_actioncopy_triggered()", "on_actionpaste_triggered()",
-                                      "on_actionreset_triggered()", "on_actionabout_triggered()"};
-        QCOMPARE(slotNames, expected);
-    }
-
-    void objectTree()
+    void objectsAreCreatedInOrder()
     {
         const QStringList expected = {
             "MainWindow MainWindow",
@@ -109,10 +63,10 @@ private slots:
             "      QVBoxLayout verticalLayout_2",
             "      TableParams tableParams",
         };
-        QCOMPARE(treeOf(window.get()), expected);
+        QCOMPARE(treeOf(&window), expected);
     }
 
-    void fieldsOfTheForm()
+    void fieldsPointToObjectsOfTheirNames()
     {
         // In the order of their declaration.
         const QObject *const fields[] = {
@@ -122,185 +76,129 @@ private slots:
             ui->verticalLayout,   ui->pdx3,        ui->dockParams,  ui->dockWidgetContents_2,
             ui->verticalLayout_2, ui->tableParams,
         };
-        const QStringList names = {"actioncopy",       "actionpaste", "actionreset", "actionabout",
-                                   "centralWidget",    "menuBar",     "menuFile",    "menuEdit",
-                                   "mainToolBar",      "statusBar",   "dockWidget",  "dockWidgetContents",
-                                   "verticalLayout",   "pdx3",        "dockParams",  "dockWidgetContents_2",
-                                   "verticalLayout_2", "tableParams"};
+        QStringList names;
+        for (const QObject *field : fields)
+            names << field->objectName();
+        QCOMPARE(names.join(' '),
+                 QString("actioncopy actionpaste actionreset actionabout centralWidget menuBar menuFile "
+                         "menuEdit mainToolBar statusBar dockWidget dockWidgetContents verticalLayout "
+                         "pdx3 dockParams dockWidgetContents_2 verticalLayout_2 tableParams"));
         QCOMPARE(sizeof(Ui_MainWindow), sizeof fields);
         QCOMPARE(std::memcmp(ui, static_cast<const void *>(fields), sizeof fields), 0);
-        for (int i = 0; i < names.size(); ++i) {
-            QCOMPARE(fields[i]->objectName(), names.at(i));
-            QCOMPARE(window->findChild<QObject *>(names.at(i)), fields[i]);
-        }
     }
 
-    void keepsANameThatItHas()
-    {
-        QMainWindow named;
-        named.setObjectName("other");
-        Ui_MainWindow form;
-        form.setupUi(&named);
-        QCOMPARE(named.objectName(), QString("other"));
-    }
-
-    void texts()
-    {
-        QCOMPARE(window->windowTitle(), QString("Pendrix 3D"));
-        QCOMPARE(ui->menuFile->title(), QString("File"));
-        QCOMPARE(ui->menuEdit->title(), QString("Edit"));
-        QCOMPARE(ui->dockWidget->windowTitle(), QString());
-        QCOMPARE(ui->dockParams->windowTitle(), QString("parameters"));
-        QCOMPARE(ui->actioncopy->text(), QString("copy"));
-        QCOMPARE(ui->actionpaste->text(), QString("paste"));
-        QCOMPARE(ui->actionreset->text(), QString("reset"));
-        QCOMPARE(ui->actionabout->text(), QString("about"));
-    }
-
-    void menusAndShortcuts()
-    {
-        QCOMPARE(ui->menuBar->actions(), QList<QAction *>({ui->menuFile->menuAction(), ui->menuEdit->menuAction()}));
-        QCOMPARE(textsOf(ui->menuFile->actions()), QStringList({"reset", "about"}));
-        QCOMPARE(textsOf(ui->menuEdit->actions()), QStringList({"copy", "paste"}));
-        QCOMPARE(ui->actioncopy->shortcut(), QKeySequence("Ctrl+C", QKeySequence::PortableText));
-        QCOMPARE(ui->actionpaste->shortcut(), QKeySequence("Ctrl+V", QKeySequence::PortableText));
-        QVERIFY(ui->actionreset->shortcut().isEmpty());
-        QVERIFY(ui->actionabout->shortcut().isEmpty());
-        for (const QAction *action : {ui->actioncopy, ui->actionpaste})
-            QCOMPARE(action->shortcutContext(), Qt::WindowShortcut);
-    }
-
-    void icons()
-    {
-        const auto bundled = [](const char *name) {
-            return QImage(QString(":/Tessera/rsc/icons/") + name).convertToFormat(QImage::Format_ARGB32_Premultiplied);
-        };
-        QCOMPARE(imageOf(ui->actioncopy->icon()), bundled("clipcopy01.png"));
-        QCOMPARE(imageOf(ui->actionpaste->icon()), bundled("clippaste01.png"));
-        QCOMPARE(imageOf(ui->actionreset->icon()), bundled("clear.png"));
-        QVERIFY(ui->actionabout->icon().isNull());
-    }
-
-    void docks()
-    {
-        QCOMPARE(window->dockWidgetArea(ui->dockWidget), Qt::RightDockWidgetArea);
-        QCOMPARE(ui->dockWidget->features(), QDockWidget::NoDockWidgetFeatures);
-        QCOMPARE(ui->dockWidget->allowedAreas(), Qt::NoDockWidgetArea);
-        QCOMPARE(ui->dockWidget->widget(), ui->dockWidgetContents);
-        QCOMPARE(window->dockWidgetArea(ui->dockParams), Qt::LeftDockWidgetArea);
-        QCOMPARE(ui->dockParams->features(), QDockWidget::DockWidgetClosable);
-        QCOMPARE(ui->dockParams->allowedAreas(), Qt::NoDockWidgetArea);
-        QCOMPARE(ui->dockParams->widget(), ui->dockWidgetContents_2);
-    }
-
-    void layouts()
-    {
-        for (const QVBoxLayout *layout : {ui->verticalLayout, ui->verticalLayout_2}) {
-            QCOMPARE(layout->spacing(), 6);
-            QCOMPARE(layout->contentsMargins(), QMargins(11, 11, 11, 11));
-            QCOMPARE(layout->count(), 1);
-            QCOMPARE(layout->stretch(0), 0);
-            QCOMPARE(layout->itemAt(0)->alignment(), Qt::Alignment());
-        }
-        QCOMPARE(ui->dockWidgetContents->layout(), ui->verticalLayout);
-        QCOMPARE(ui->dockWidgetContents_2->layout(), ui->verticalLayout_2);
-        QCOMPARE(ui->verticalLayout->itemAt(0)->widget(), ui->pdx3);
-        QCOMPARE(ui->verticalLayout_2->itemAt(0)->widget(), ui->tableParams);
-        QCOMPARE(ui->tableParams->font().pointSize(), 10);
-    }
-
-    void bars()
-    {
-        QCOMPARE(window->menuBar(), ui->menuBar);
-        QCOMPARE(window->statusBar(), ui->statusBar);
-        QCOMPARE(window->toolBarArea(ui->mainToolBar), Qt::TopToolBarArea);
-        QVERIFY(ui->mainToolBar->actions().isEmpty());
-        QVERIFY(ui->statusBar->currentMessage().isEmpty());
-        QCOMPARE(window->centralWidget(), ui->centralWidget);
-    }
-
-    void geometryOfTheForm()
+    void formKeepsNameAndSetsSize()
     {
         QMainWindow bare;
+        bare.setObjectName("other");
         Ui_MainWindow form;
         form.setupUi(&bare);
+        QCOMPARE(bare.objectName(), QString("other"));
         QCOMPARE(bare.size(), QSize(701, 605));
         QCOMPARE(form.menuBar->geometry(), QRect(0, 0, 701, 22));
     }
 
-    void opensAtItsSizeWithTheTableOnTheLeft()
+    void actionsHaveTextShortcutAndIcon()
     {
-        show();
-        QCOMPARE(window->size(), QSize(701, 605));
+        const struct
+        {
+            const QAction *action;
+            QString text, shortcut, icon;
+        } rows[] = {
+            {ui->actioncopy, "copy", "Ctrl+C", "clipcopy01.png"},
+            {ui->actionpaste, "paste", "Ctrl+V", "clippaste01.png"},
+            {ui->actionreset, "reset", "", "clear.png"},
+            {ui->actionabout, "about", "", ""},
+        };
+        for (const auto &row : rows) {
+            QCOMPARE(row.action->text(), row.text);
+            QCOMPARE(row.action->shortcut().toString(QKeySequence::PortableText), row.shortcut);
+            QCOMPARE(row.action->shortcutContext(), Qt::WindowShortcut);
+            QCOMPARE(row.action->icon().isNull(), row.icon.isEmpty());
+            const QImage image(":/Tessera/rsc/icons/" + row.icon);
+            QCOMPARE(imageOf(row.action->icon()), image.convertToFormat(QImage::Format_ARGB32_Premultiplied));
+        }
+    }
+
+    void menusListActionsInOrder()
+    {
+        using Actions = QList<QAction *>;
+        QCOMPARE(ui->menuFile->title(), QString("File"));
+        QCOMPARE(ui->menuEdit->title(), QString("Edit"));
+        QCOMPARE(ui->menuBar->actions(), Actions({ui->menuFile->menuAction(), ui->menuEdit->menuAction()}));
+        QCOMPARE(ui->menuFile->actions(), Actions({ui->actionreset, ui->actionabout}));
+        QCOMPARE(ui->menuEdit->actions(), Actions({ui->actioncopy, ui->actionpaste}));
+    }
+
+    void slotsAreConnectedOnce()
+    {
+        const QMetaObject &meta = MainWindow::staticMetaObject;
+        QCOMPARE(meta.methodCount() - meta.methodOffset(), 4);
+        int method = meta.methodOffset();
+        for (QAction *action : {ui->actioncopy, ui->actionpaste, ui->actionreset, ui->actionabout}) {
+            const QByteArray slot = "on_" + action->objectName().toUtf8() + "_triggered()";
+            QCOMPARE(meta.method(method).methodSignature(), slot);
+            QCOMPARE(meta.method(method++).access(), QMetaMethod::Private);
+            QVERIFY(QObject::disconnect(action, SIGNAL(triggered()), &window, ("1" + slot).constData()));
+            QVERIFY(!QObject::disconnect(action, SIGNAL(triggered()), &window, nullptr));
+        }
+    }
+
+    void docksHoldCurveAndTable()
+    {
+        const struct
+        {
+            QDockWidget *dock;
+            QString title;
+            Qt::DockWidgetArea area;
+            QDockWidget::DockWidgetFeatures features;
+            QWidget *contents;
+            QVBoxLayout *layout;
+            QWidget *widget;
+        } rows[] = {
+            {ui->dockWidget, "", Qt::RightDockWidgetArea, QDockWidget::NoDockWidgetFeatures, ui->dockWidgetContents,
+             ui->verticalLayout, ui->pdx3},
+            {ui->dockParams, "parameters", Qt::LeftDockWidgetArea, QDockWidget::DockWidgetClosable,
+             ui->dockWidgetContents_2, ui->verticalLayout_2, ui->tableParams},
+        };
+        for (const auto &row : rows) {
+            QCOMPARE(row.dock->windowTitle(), row.title);
+            QCOMPARE(window.dockWidgetArea(row.dock), row.area);
+            QCOMPARE(row.dock->features(), row.features);
+            QCOMPARE(row.dock->allowedAreas(), Qt::NoDockWidgetArea);
+            QCOMPARE(row.dock->widget(), row.contents);
+            QCOMPARE(row.contents->layout(), row.layout);
+            QCOMPARE(row.layout->spacing(), 6);
+            QCOMPARE(row.layout->contentsMargins(), QMargins(11, 11, 11, 11));
+            QCOMPARE(row.layout->count(), 1);
+            QCOMPARE(row.layout->stretch(0), 0);
+            QCOMPARE(row.layout->itemAt(0)->alignment(), Qt::Alignment());
+            QCOMPARE(row.layout->itemAt(0)->widget(), row.widget);
+        }
+        QCOMPARE(ui->tableParams->font().pointSize(), 10);
+    }
+
+    void docksFillWindowWithEmptyBars()
+    {
+        QCOMPARE(window.windowTitle(), QString("Pendrix 3D"));
+        QCOMPARE(window.menuBar(), ui->menuBar);
+        QCOMPARE(window.statusBar(), ui->statusBar);
+        QCOMPARE(window.toolBarArea(ui->mainToolBar), Qt::TopToolBarArea);
+        QCOMPARE(window.centralWidget(), ui->centralWidget);
+        QVERIFY(ui->mainToolBar->actions().isEmpty());
+        QVERIFY(ui->statusBar->currentMessage().isEmpty());
+
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QCOMPARE(window.size(), QSize(701, 605));
         QVERIFY(!ui->centralWidget->isVisible());
         QVERIFY(ui->mainToolBar->isVisible());
         QVERIFY(ui->statusBar->isVisible());
         const QRect table = ui->dockParams->geometry();
         const QRect curve = ui->dockWidget->geometry();
-        QVERIFY(table.left() == 0 && table.right() < curve.left() && curve.right() == window->width() - 1);
+        QVERIFY(table.left() == 0 && table.right() < curve.left() && curve.right() == window.width() - 1);
         QVERIFY(table.width() + curve.width() > 680);
         QVERIFY(curve.width() > 200 && table.width() > 200);
-    }
-
-    void neitherDockMovesAndOnlyTheTableCloses()
-    {
-        show();
-        const auto button = [](const QDockWidget *dock, const char *name) {
-            return dock->findChild<QAbstractButton *>(name);
-        };
-        QVERIFY(!button(ui->dockWidget, "qt_dockwidget_closebutton")->isVisible());
-        QVERIFY(!button(ui->dockWidget, "qt_dockwidget_floatbutton")->isVisible());
-        QVERIFY(!button(ui->dockParams, "qt_dockwidget_floatbutton")->isVisible());
-        // Double-clicking a title would make a floatable dock float.
-        for (QDockWidget *dock : {ui->dockWidget, ui->dockParams}) {
-            QTest::mouseDClick(dock, Qt::LeftButton, {}, {20, 8});
-            QVERIFY(!dock->isFloating());
-        }
-        QTest::mouseClick(button(ui->dockParams, "qt_dockwidget_closebutton"), Qt::LeftButton);
-        QTRY_VERIFY(!ui->dockParams->isVisible());
-        QTRY_COMPARE(ui->dockWidget->geometry().left(), 0);
-    }
-
-    void aClickInTheTableChangesTheMovingCurve()
-    {
-        show();
-        QTRY_VERIFY(pdx3.freq1 > 1.001F);
-        const QRect cell = ui->tableParams->visualRect(ui->tableParams->model->index(4, 1));
-        QTest::mouseClick(ui->tableParams->viewport(), Qt::LeftButton, {}, cell.center());
-        QVERIFY(pdx3.freq1 >= 2.0F && pdx3.freq1 < 2.1F && pdx3.freq2 == 2.0F);
-        QTRY_VERIFY(pdx3.freq1 > 2.001F);
-    }
-
-    void aDragTurnsTheCurve()
-    {
-        show();
-        QSignalSpy turned(ui->pdx3, &Renderer::yRotationChanged);
-        QWindow *handle = window->windowHandle();
-        const QPoint start = ui->pdx3->mapTo(window.get(), QPoint(50, 50));
-        QTest::mousePress(handle, Qt::LeftButton, {}, start);
-        QTest::mouseMove(handle, start + QPoint(10, 0));
-        QTRY_COMPARE(turned.count(), 1);
-        QCOMPARE(turned.first().first().toInt(), 80);
-        QTest::mouseRelease(handle, Qt::LeftButton, {}, start);
-    }
-
-    void actionsAreWiredOnce()
-    {
-        // Each action calls its slot, once, and nothing else of the window.
-        for (QAction *action : {ui->actioncopy, ui->actionpaste, ui->actionreset, ui->actionabout}) {
-            const QByteArray slot = "on_" + action->objectName().toUtf8() + "_triggered()";
-            QVERIFY(QObject::disconnect(action, SIGNAL(triggered()), window.get(), ("1" + slot).constData()));
-            QVERIFY(!QObject::disconnect(action, SIGNAL(triggered()), window.get(), nullptr));
-        }
-    }
-
-    void severalWindowsComeAndGo()
-    {
-        for (int i = 0; i < 5; ++i) {
-            MainWindow other;
-            other.show();
-            QVERIFY(QTest::qWaitForWindowExposed(&other));
-        }
     }
 };
 

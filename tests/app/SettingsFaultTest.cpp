@@ -10,6 +10,7 @@
 #include <QtTest>
 
 #include <csignal>
+#include <functional>
 
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -19,38 +20,51 @@ using FileFaults::Fault;
 
 namespace {
 
-/// Saves `rows` as the program does. Returns whether there was anything to save to.
-bool save(const Rows &rows)
+/// Saves markedRows(`seed`) as the program does. Returns whether the settings could be opened.
+bool save(int seed = 2)
 {
     const auto settings = openSettings();
     if (settings && canSave(*settings))
-        settings->setValue("paramList", QVariant::fromValue(rows));
+        settings->setValue("paramList", QVariant::fromValue(markedRows(seed)));
     return settings != nullptr;
 }
 
-/// A settings folder whose file has markedRows(1) and a foreign entry.
+/// A settings folder whose file has markedRows(1) and a foreign entry. `newText` has markedRows(2).
 class FilledFolder : public SettingsFolder
 {
 public:
     FilledFolder()
     {
         write("[General]\nforeign=1\n");
-        save(markedRows(1));
+        save(1);
         oldText = read();
-        save(markedRows(2));
+        save(2);
         newText = read();
-        save(markedRows(1));
+        save(1);
     }
-
-    QByteArray encodedPath() const { return QFile::encodeName(path(QString())); }
 
     QByteArray oldText;
     QByteArray newText;
 };
 
+QByteArray encodedPath(const SettingsFolder &folder, const QString &name = QStringLiteral("quillmoss/pdx3.conf"))
+{
+    return QFile::encodeName(folder.path(name));
+}
+
 QStringList filesIn(const QString &folder)
 {
     return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+}
+
+/// Runs `action` in a child process. Returns the child's wait status.
+int statusOfChild(const std::function<bool()> &action)
+{
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(action() ? 0 : 1);
+    int status = -1;
+    return waitpid(child, &status, 0) == child ? status : -1;
 }
 
 } // namespace
@@ -73,44 +87,36 @@ private slots:
 
     // ---- Failing calls ----
 
-    void failureOfAnyCallKeepsTheOldOrTheNewFile_data()
+    void oldOrNewFileRemainsAfterFailingCall()
     {
-        QTest::addColumn<int>("error");
-        QTest::newRow("ENOSPC") << ENOSPC;
-        QTest::newRow("EIO") << EIO;
-        QTest::newRow("EDQUOT") << EDQUOT;
-        QTest::newRow("EMFILE") << EMFILE;
-    }
-
-    void failureOfAnyCallKeepsTheOldOrTheNewFile()
-    {
-        QFETCH(int, error);
-        int failures = 0;
-        int oldFiles = 0;
-        for (bool isReached = true; isReached; ++failures) {
-            const FilledFolder folder;
-            FileFaults::inject(Fault::Fail, failures, error, folder.encodedPath());
-            save(markedRows(2));
-            isReached = FileFaults::inject() > failures;
-            const QByteArray text = folder.read();
-            QVERIFY2(text == folder.oldText || (text == folder.newText), QByteArray::number(failures));
-            oldFiles += text == folder.oldText ? 1 : 0;
+        for (const int error : {ENOSPC, EIO, EDQUOT, EMFILE}) {
+            int failures = 0;
+            int oldFiles = 0;
+            for (bool isReached = true; isReached; ++failures) {
+                const FilledFolder folder;
+                FileFaults::inject(Fault::Fail, failures, error, encodedPath(folder, ""));
+                save();
+                isReached = FileFaults::inject() > failures;
+                const QByteArray text = folder.read();
+                QVERIFY2(text == folder.oldText || text == folder.newText, QByteArray::number(failures));
+                oldFiles += text == folder.oldText ? 1 : 0;
+            }
+            qInfo("errno %d: %d failures, the old file after %d, the new one after the others", error, failures - 1,
+                  oldFiles);
+            QVERIFY(failures > 15 && oldFiles > 8);
         }
-        qInfo("%d failures: the old file after %d of them, the new one after the others", failures - 1, oldFiles);
-        QVERIFY(failures > 15 && oldFiles > 8);
     }
 
-    void failureWhileLoadingKeepsTheFile()
+    void failingCallWhileLoadingYieldsOldRowsOrNone()
     {
-        // The calls of openSettings alone: open, reads, close.
+        // The calls of openSettings: open, reads, close.
+        const QByteArray text = FilledFolder().oldText;
         int failures = 0;
         int unreadable = 0;
         for (bool isReached = true; isReached; ++failures) {
-            const FilledFolder folder;
-            const SettingsFolder other; // whose path Qt has not cached
-            QVERIFY(other.write(folder.oldText));
-            FileFaults::inject(Fault::Fail, failures, failures % 2 == 0 ? EMFILE : EIO,
-                               QFile::encodeName(other.path(QString())));
+            const SettingsFolder folder;
+            QVERIFY(folder.write(text));
+            FileFaults::inject(Fault::Fail, failures, failures % 2 == 0 ? EMFILE : EIO, encodedPath(folder, ""));
             const auto settings = openSettings();
             isReached = FileFaults::inject() > failures;
             QVERIFY(!settings || storedParamList(*settings) == markedRows(1));
@@ -119,15 +125,15 @@ private slots:
         QVERIFY(unreadable >= 2);
     }
 
-    void fullDiskBehindASymbolicLinkKeepsTheOldRows()
+    void linkToFileOnFullDiskKeepsOldRows()
     {
         for (const int room : {0, 1, 100, 4096}) {
-            FilledFolder folder;
+            const FilledFolder folder;
             QVERIFY(QDir().mkpath(folder.path("full")));
             QVERIFY(QFile::rename(folder.path(), folder.path("full/target")));
             QVERIFY(QFile::link(folder.path("full/target"), folder.path()));
-            FileFaults::inject(Fault::FullDisk, room, ENOSPC, QFile::encodeName(folder.path("full")));
-            QVERIFY(save(markedRows(2)));
+            FileFaults::inject(Fault::FullDisk, room, ENOSPC, encodedPath(folder, "full"));
+            QVERIFY(save());
             FileFaults::inject();
             QCOMPARE(folder.read(), room < folder.newText.size() ? folder.oldText : folder.newText);
             QCOMPARE(QFileInfo(folder.path()).symLinkTarget(), folder.path("full/target"));
@@ -135,176 +141,141 @@ private slots:
         }
     }
 
-    void killAtAnyCallKeepsTheOldOrTheNewFile_data()
+    void oldOrNewFileRemainsAfterKill()
     {
-        QTest::addColumn<bool>("isHalfway");
-        QTest::newRow("before the call") << false;
-        QTest::newRow("amid a write") << true;
-    }
-
-    void killAtAnyCallKeepsTheOldOrTheNewFile()
-    {
-        QFETCH(bool, isHalfway);
         const int rounds = sampleSize(1, 10);
-        for (int round = 0; round < rounds; ++round) {
+        for (int round = 0; round < 2 * rounds; ++round) {
+            const Fault fault = round % 2 == 0 ? Fault::Kill : Fault::KillHalfway;
             int kills = 0;
             for (bool isKilled = true; isKilled; ++kills) {
                 const FilledFolder folder;
-                const pid_t child = fork();
-                if (child == 0) {
-                    FileFaults::inject(isHalfway ? Fault::KillHalfway : Fault::Kill, kills, 0, folder.encodedPath());
-                    save(markedRows(2));
-                    _exit(0);
-                }
-                int status = 0;
-                QCOMPARE(waitpid(child, &status, 0), child);
-                isKilled = WIFSIGNALED(status);
+                isKilled = WIFSIGNALED(statusOfChild([&] {
+                    FileFaults::inject(fault, kills, 0, encodedPath(folder, ""));
+                    return save();
+                }));
                 const QByteArray text = folder.read();
-                QVERIFY2(text == folder.oldText || text == folder.newText, QByteArray::number(kills));
-                QVERIFY2(isKilled || text == folder.newText, QByteArray::number(kills));
+                QVERIFY2(text == folder.newText || (isKilled && text == folder.oldText), QByteArray::number(kills));
             }
             QVERIFY(kills > 15);
         }
     }
 
-    void aSaveAfterAKillIsNotDelayed()
+    // ---- Permissions and files of other kinds ----
+
+    void unreadableFileAndReadOnlyFolderAreKept()
     {
-        const FilledFolder folder;
-        const pid_t child = fork();
-        if (child == 0) {
-            const QLockFile *lock = new QLockFile(folder.path() + ".lock");
-            _exit(const_cast<QLockFile *>(lock)->lock() ? 0 : 1);
+        const QByteArray text = FilledFolder().oldText;
+        for (const mode_t mode : {0000, 0444}) {
+            const SettingsFolder folder;
+            QVERIFY(folder.write(text) && chmod(encodedPath(folder), mode) == 0);
+            QVERIFY(chmod(encodedPath(folder, ""), 0755) == 0 && chmod(encodedPath(folder, "quillmoss"), 0555) == 0);
+            const int status = statusOfChild([mode] {
+                return (getuid() != 0 || setuid(65534) == 0) && save() == (mode != 0); // root may do everything
+            });
+            QVERIFY(chmod(encodedPath(folder, "quillmoss"), 0755) == 0 && chmod(encodedPath(folder), 0644) == 0);
+            QCOMPARE(status, 0);
+            QCOMPARE(folder.read(), text);
         }
-        int status = 0;
-        QCOMPARE(waitpid(child, &status, 0), child);
-        QVERIFY(status == 0 && QFile::exists(folder.path() + ".lock"));
-        QElapsedTimer time;
-        time.start();
-        QVERIFY(save(markedRows(2)));
-        QVERIFY(time.elapsed() < 1000);
-        QCOMPARE(folder.read(), folder.newText);
     }
 
-    // ---- Files of other kinds ----
-
-    void aSpecialFileIsNeitherOpenedNorReplaced_data()
+    void specialFileIsNeitherOpenedNorReplaced()
     {
-        QTest::addColumn<QByteArray>("target"); // of a symbolic link
-        QTest::newRow("FIFO") << QByteArray("fifo");
-        QTest::newRow("folder") << QByteArray("folder");
-        QTest::newRow("endless device") << QByteArray("/dev/zero");
-        QTest::newRow("full device") << QByteArray("/dev/full");
-        QTest::newRow("link to itself") << QByteArray("pdx3.conf");
+        for (const char *target : {"fifo", "folder", "/dev/zero", "/dev/full", "pdx3.conf"}) {
+            const SettingsFolder folder;
+            QVERIFY(mkfifo(encodedPath(folder, "quillmoss/fifo"), 0600) == 0);
+            QVERIFY(QDir().mkpath(folder.path("quillmoss/folder")));
+            QVERIFY(symlink(target, encodedPath(folder)) == 0);
+            QVERIFY2(!openSettings(), target);
+            QCOMPARE(filesIn(folder.path("quillmoss")), QStringList({"fifo", "folder", "pdx3.conf"}));
+            QVERIFY(QFileInfo(folder.path()).isSymLink());
+        }
     }
 
-    void aSpecialFileIsNeitherOpenedNorReplaced()
-    {
-        QFETCH(QByteArray, target);
-        const SettingsFolder folder;
-        QVERIFY(mkfifo(QFile::encodeName(folder.path("quillmoss/fifo")).constData(), 0600) == 0);
-        QVERIFY(QDir().mkpath(folder.path("quillmoss/folder")));
-        QVERIFY(symlink(target.constData(), QFile::encodeName(folder.path()).constData()) == 0);
-        QVERIFY(!openSettings());
-        QCOMPARE(filesIn(folder.path("quillmoss")), QStringList({"fifo", "folder", "pdx3.conf"}));
-        QVERIFY(QFileInfo(folder.path()).isSymLink());
-    }
-
-    void aFifoAsFallbackFileIsNotOpened()
+    void fifoAsFallbackFileIsNotOpened()
     {
         const FilledFolder folder;
-        QVERIFY(mkfifo(QFile::encodeName(folder.path("quillmoss.conf")).constData(), 0600) == 0);
-        QVERIFY(save(markedRows(2)));
+        QVERIFY(mkfifo(encodedPath(folder, "quillmoss.conf"), 0600) == 0);
+        QVERIFY(save());
         QCOMPARE(folder.read(), folder.newText);
     }
 
-    void aLinkToAMissingFileIsKept()
+    void linkToMissingFileIsKept()
     {
         const SettingsFolder folder;
         QVERIFY(QFile::link(folder.path("target"), folder.path()));
-        QVERIFY(save(markedRows(2)));
+        QVERIFY(save());
         QVERIFY(QFileInfo(folder.path()).isSymLink() && QFileInfo(folder.path("target")).size() > 1000);
     }
 
-    void aMissingFolderIsMade()
+    void missingFolderIsCreated()
     {
         const SettingsFolder folder;
         QVERIFY(QDir(folder.path("quillmoss")).removeRecursively());
-        QVERIFY(save(markedRows(2)));
+        QVERIFY(save());
         QVERIFY(folder.read().contains("paramList"));
     }
 
-    void theModeIsKeptAndNothingIsLeftBehind()
+    void saveKeepsModeAndDetachesHardLink()
     {
         for (const mode_t mode : {0600, 0644, 0640}) {
             const FilledFolder folder;
-            const QByteArray damaged = variantLine("geometry", streamed(9U) + streamed(0x7FFFFFFFU));
-            QVERIFY(folder.write("[General]\n" + damaged + rowsLine(markedRows(1))));
-            const QByteArray path = QFile::encodeName(folder.path());
-            QVERIFY(chmod(path.constData(), mode) == 0);
-            QVERIFY(save(markedRows(2)));
+            const QByteArray text = folder.oldText + variantLine("geometry", streamed(9U) + streamed(0x7FFFFFFFU));
+            QVERIFY(folder.write(text) && chmod(encodedPath(folder), mode) == 0);
+            QVERIFY(link(encodedPath(folder), encodedPath(folder, "other")) == 0);
+            QVERIFY(save());
             struct stat status = {};
-            QVERIFY(stat(path.constData(), &status) == 0);
+            QVERIFY(stat(encodedPath(folder), &status) == 0);
             QCOMPARE(status.st_mode & 07777U, mode);
             QCOMPARE(filesIn(folder.path("quillmoss")), QStringList("pdx3.conf"));
+            QVERIFY(folder.read() != text);
+            QFile other(folder.path("other"));
+            QVERIFY(other.open(QIODevice::ReadOnly));
+            QCOMPARE(other.readAll(), text);
         }
-    }
-
-    void aHardLinkIsDetached()
-    {
-        const FilledFolder folder;
-        const QByteArray other = QFile::encodeName(folder.path("other"));
-        QVERIFY(link(QFile::encodeName(folder.path()).constData(), other.constData()) == 0);
-        QVERIFY(save(markedRows(2)));
-        QFile file(folder.path("other"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), folder.oldText);
     }
 
     // ---- Locks ----
 
-    void aStaleLockIsRemoved_data()
+    void locksDelaySaveBySecondsAtMost_data()
     {
-        QTest::addColumn<QByteArray>("content");
-        QTest::newRow("of another host") << QByteArray("1\nprogram\nother-host\nother-id\nother-boot\n");
-        QTest::newRow("without content") << QByteArray();
+        QTest::addColumn<int>("least"); // milliseconds
+        QTest::addColumn<int>("most");
+        QTest::addColumn<bool>("isSaved");
+        QTest::newRow("of killed process") << 0 << 1000 << true;
+        QTest::newRow("of other host") << 0 << 4500 << true;
+        QTest::newRow("empty") << 0 << 4500 << true;
+        QTest::newRow("held") << 3000 << 4500 << false; // as for a lock of another user
+        QTest::newRow("folder") << 0 << 1000 << false;
+        QTest::newRow("FIFO") << 0 << 1000 << false;
     }
 
-    void aStaleLockIsRemoved()
+    void locksDelaySaveBySecondsAtMost()
     {
-        QFETCH(QByteArray, content);
+        QFETCH(int, least);
+        QFETCH(int, most);
+        const QByteArray kind = QTest::currentDataTag();
         const FilledFolder folder;
-        QVERIFY(folder.write(content, "quillmoss/pdx3.conf.lock"));
+        const QString name = "quillmoss/pdx3.conf.lock";
+        QLockFile held(folder.path(name));
+        if (kind == "of killed process") {
+            QCOMPARE(statusOfChild([&] { return (new QLockFile(folder.path(name)))->lock(); }), 0);
+            QVERIFY(QFile::exists(folder.path(name)));
+        } else if (kind == "of other host")
+            QVERIFY(folder.write("1\nprogram\nother-host\nother-id\nother-boot\n", name));
+        else if (kind == "empty")
+            QVERIFY(folder.write({}, name));
+        else if (kind == "held")
+            QVERIFY(held.lock());
+        else if (kind == "folder")
+            QVERIFY(QDir().mkpath(folder.path(name)));
+        else
+            QVERIFY(mkfifo(encodedPath(folder, name), 0600) == 0);
         QElapsedTimer time;
         time.start();
-        QVERIFY(save(markedRows(2)));
-        QVERIFY(time.elapsed() < 4500);
-        QCOMPARE(folder.read(), folder.newText);
-    }
-
-    void aLockThatCannotBeRemovedDelaysTheExitBySeconds()
-    {
-        const FilledFolder folder;
-        QLockFile held(folder.path() + ".lock"); // removing another user's lock fails just as well
-        QVERIFY(held.lock());
-        QElapsedTimer time;
-        time.start();
-        QVERIFY(save(markedRows(2)));
-        QVERIFY(time.elapsed() > 3000 && time.elapsed() < 4500);
-        QCOMPARE(folder.read(), folder.oldText);
-    }
-
-    void aLockThatIsNoFileCausesNoDelay()
-    {
-        for (const bool isFolder : {true, false}) {
-            const FilledFolder folder;
-            const QString path = folder.path() + ".lock";
-            QVERIFY(isFolder ? QDir().mkpath(path) : mkfifo(QFile::encodeName(path).constData(), 0600) == 0);
-            QElapsedTimer time;
-            time.start();
-            QVERIFY(save(markedRows(2)));
-            QVERIFY(time.elapsed() < 1000);
-            QCOMPARE(folder.read(), folder.oldText);
-        }
+        QVERIFY(save());
+        QVERIFY2(time.elapsed() >= least && time.elapsed() < most, QByteArray::number(time.elapsed()));
+        QTEST(folder.read() == folder.newText, "isSaved");
+        QVERIFY(folder.read() == folder.newText || folder.read() == folder.oldText);
     }
 };
 
