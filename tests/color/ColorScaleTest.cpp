@@ -164,7 +164,7 @@ private slots:
         }
     }
 
-    void zeroWeightsReturnTheFirstColor()
+    void zeroWeightsReturnFirstColor()
     {
         for (const auto blend : {ColorScaleRGB3, ColorScaleHSL3}) {
             COMPARE_COLORS(blend(0xAB123456, 0x00FF00, 0x0000FF, 0.0F, -1.0F, 0.0F), 0xAB123456U);
@@ -172,7 +172,7 @@ private slots:
         }
     }
 
-    void weightsAboveOneCountAsOne()
+    void weightsAboveOneAreClamped()
     {
         for (const auto blend : {ColorScaleRGB3, ColorScaleHSL3}) {
             COMPARE_COLORS(blend(0xFF8000, 0x20FF00, 0x0000FF, 3.0F, 0.5F, 1e38F),
@@ -221,7 +221,7 @@ private slots:
         }
     }
 
-    void conversionsOfRandomColors()
+    void randomColorsMatchReferenceConversions()
     {
         for (int k = 0; k < sampleSize(10000, 1000000); ++k) {
             const unsigned int c = randomColor();
@@ -239,7 +239,7 @@ private slots:
         }
     }
 
-    void randomTriples()
+    void randomTriplesMatchReference()
     {
         std::uniform_real_distribution<double> wide(-1.5, 2.5);
         for (int k = 0; k < sampleSize(10000, 1000000); ++k) {
@@ -248,7 +248,7 @@ private slots:
         }
     }
 
-    void randomBlendsOfTwo()
+    void randomBlendsMatchReference()
     {
         for (int k = 0; k < sampleSize(10000, 1000000); ++k) {
             const unsigned int c0 = randomColor();
@@ -276,7 +276,7 @@ private slots:
         }
     }
 
-    void randomMeansOfThree()
+    void randomMeansMatchReference()
     {
         for (int k = 0; k < sampleSize(10000, 1000000); ++k) {
             const std::array<unsigned int, 3> c = {randomColor(), randomColor(), randomColor()};

@@ -8,7 +8,7 @@ class EnvironmentTest : public QObject
     Q_OBJECT
 
 private slots:
-    void scaledWindowBehavesTheSame_data()
+    void scaledWindowBehavesAsUnscaled_data()
     {
         QTest::addColumn<QString>("factor");
         const QStringList factors = {"2", "1.5", "3"};
@@ -16,7 +16,7 @@ private slots:
             QTest::newRow(qPrintable(factors.at(i))) << factors.at(i);
     }
 
-    void scaledWindowBehavesTheSame()
+    void scaledWindowBehavesAsUnscaled()
     {
         QFETCH(QString, factor);
         const double scale = factor.toDouble();
@@ -50,7 +50,7 @@ private slots:
         QCOMPARE(program.close(), 0);
     }
 
-    void numbersAreTheSameInEveryLanguage_data()
+    void numbersAreEqualInEveryLocale_data()
     {
         QTest::addColumn<QString>("language");
         QTest::addColumn<bool>("rightToLeft");
@@ -58,7 +58,7 @@ private slots:
         QTest::newRow("Arabic, right to left") << "ar_EG.UTF-8" << true;
     }
 
-    void numbersAreTheSameInEveryLanguage()
+    void numbersAreEqualInEveryLocale()
     {
         QFETCH(QString, language);
         QFETCH(bool, rightToLeft);

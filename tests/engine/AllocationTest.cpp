@@ -78,7 +78,7 @@ private slots:
         QVERIFY(allocated.size() == 1000 && allocations > before);
     }
 
-    void framesAllocateNothingIfTheListsAreRead()
+    void framesAllocateNothingIfListsAreOnlyRead()
     {
         FakeOpenGL::setRecording(false);
         QVector<QVector<float>> rows;

@@ -46,7 +46,7 @@ private slots:
         pdx3.set(0);
     }
 
-    void curveAfterConstruction() { VERIFY_CURVE(); } // first, before any other curve
+    void curveOfFirstPresetAfterConstruction() { VERIFY_CURVE(); } // first, before any other curve
 
     void firstPointInClosedForm()
     {
@@ -92,7 +92,7 @@ private slots:
         }
     }
 
-    void blankRowIsAtTheOrigin()
+    void blankRowStaysAtOrigin()
     {
         pdx3.set(pdx3.blankRow);
         QCOMPARE(pdx3.points.size(), 16666);
@@ -121,7 +121,7 @@ private slots:
         }
     }
 
-    void shorterPassWritesNothingPastItsEnd()
+    void shorterPassWritesNothingBeyondItsEnd()
     {
         QCOMPARE(pdx3.points.size(), 16666); // the lists keep this storage
         const quint32 x = bitsOf(pdx3.points.at(300).x);
@@ -133,7 +133,7 @@ private slots:
         QCOMPARE(pdx3.colors.constData()[300].rgb(), color);
     }
 
-    void numbersThatAreNotPositiveInts()
+    void countsOutsidePositiveIntsGiveEmptyCurve()
     {
         for (const float step : {0.0F, -0.0F, 1e-38F, notANumber, 1.5F}) {
             pdx3.step = step;
@@ -240,7 +240,7 @@ private slots:
         }
     }
 
-    void segmentsOneByOne()
+    void segmentsMatchReferenceOneByOne()
     {
         for (int mode = -1; mode <= 5; ++mode) {
             pdx3.set(1.0F, 2.0F, 3.1F, 0.46F, 0.3F, mode);

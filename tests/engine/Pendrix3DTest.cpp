@@ -84,7 +84,7 @@ class Pendrix3DTest : public QObject
     Q_OBJECT
 
 private slots:
-    void constructorSeedsRandFromTheTime() // first, before another call of rand
+    void constructorSeedsRandFromTime() // first, before another call of rand
     {
         const int drawn = std::rand();
         bool found = false;
@@ -159,7 +159,7 @@ private slots:
         QCOMPARE(currentRow(), expectedPresets().at(0));
     }
 
-    void setTruncatesTheMode_data()
+    void setTruncatesMode_data()
     {
         constexpr int lowest = std::numeric_limits<int>::min();
         QTest::addColumn<float>("value");
@@ -174,7 +174,7 @@ private slots:
         QTest::newRow("nan") << notANumber << lowest;
     }
 
-    void setTruncatesTheMode()
+    void setTruncatesMode()
     {
         QFETCH(float, value);
         QFETCH(int, mode);
@@ -206,7 +206,7 @@ private slots:
         }
     }
 
-    void setCopiesTheRow()
+    void setCopiesRow()
     {
         pdx3.set(pdx3.paramList.at(1));
         pdx3.paramList[1][0] = 99.0F;
@@ -218,7 +218,7 @@ private slots:
         QCOMPARE(bitsOf(pdx3.paramList.at(63)), Row(6, 0));
     }
 
-    void setParamsTakesASnapshot()
+    void setParamsCopiesCurrentParameters()
     {
         pdx3.set(0);
         pdx3.freq2 = 9.0F;
@@ -269,7 +269,7 @@ private slots:
         QCOMPARE(pdx3.paramList, rows);
     }
 
-    void preset2StringListFormatsThePresets()
+    void preset2StringListFormatsPresets()
     {
         const QStringList expected = {
             "1, 2, 3, 0.46, 1.5e-08, 1", "2, 3, 4, 0.25, 0, 2",        "1, 3, 1, 0.25, 1.5e-08, 4",
@@ -288,7 +288,7 @@ private slots:
         QCOMPARE(lines, expected + QStringList(QString(""))); // an empty row gives an empty line
     }
 
-    void drawSetsTheColorAfterTheVertex()
+    void drawSetsColorAfterVertex()
     {
         pdx3.set(notANumber, 3.0F, infinity, 0.1F, 0.2F, 0);
         pdx3.points[7] = {-0.0F, 1e-45F, 1e38F};
@@ -330,7 +330,7 @@ private slots:
         QCOMPARE(drawCalls().at(12), colorCall(0xFFFFFF));
     }
 
-    void passKeepsCopiesOfTheListsUnchanged()
+    void passKeepsCopiesOfListsUnchanged()
     {
         pdx3.set(0);
         const QVector<QColor> colors = pdx3.colors;
@@ -343,7 +343,7 @@ private slots:
         QVERIFY(pdx3.colors.at(5) != color && ::bitsOf(pdx3.points.at(5).x) != x);
     }
 
-    void paletteTakesEffectAtTheNextPass()
+    void paletteTakesEffectInNextPass()
     {
         pdx3.set(0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 9);
         pdx3.palette[0] = 0x123456;
@@ -353,7 +353,7 @@ private slots:
         pdx3.palette[0] = 0x0000FF;
     }
 
-    void drawIsLimitedByTheShortestList()
+    void drawIsLimitedByShortestList()
     {
         const QVector<OpenGLCall> empty = {{"glBegin", {GL_LINE_STRIP}}, {"glEnd", {}}};
         for (const int count : {0, -1}) {

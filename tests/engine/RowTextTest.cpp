@@ -60,7 +60,7 @@ private slots:
         QCOMPARE(lines.at(3), QString("0\t0\t0\t0\t0\t0"));
     }
 
-    void writesSixtyFourLinesOfAnyList()
+    void writesSixtyFourLinesForEveryList()
     {
         const QVector<float> row(6, 2.0F);
         for (const Rows &rows : {Rows(), Rows(3, row), Rows(64), Rows(128, row), Rows(64, QVector<float>(9, 2.0F))}) {
@@ -72,7 +72,7 @@ private slots:
         }
     }
 
-    void readsBackWhatItWroteInAnyLocale_data()
+    void roundTripsInEveryLocale_data()
     {
         QTest::addColumn<QLocale>("locale");
         QTest::newRow("C") << QLocale::c();
@@ -80,7 +80,7 @@ private slots:
         QTest::newRow("Arabic") << QLocale(QLocale::Arabic, QLocale::Egypt);
     }
 
-    void readsBackWhatItWroteInAnyLocale()
+    void roundTripsInEveryLocale()
     {
         QFETCH(QLocale, locale);
         QLocale::setDefault(locale);

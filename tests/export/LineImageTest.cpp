@@ -59,7 +59,7 @@ private slots:
         QCOMPARE(image.pixel(80, 5), red);
     }
 
-    void coverageIsTheLinesShareOfThePixel()
+    void pixelShowsCoveredShareOfLine()
     {
         // Rows 1 and 2 are covered by a half.
         const QImage horizontal =
@@ -118,7 +118,7 @@ private slots:
         }
     }
 
-    void transparentBackgroundKeepsTheLinesColor()
+    void transparentBackgroundKeepsLineColor()
     {
         const QImage image = imageOfLine({{-5.0, 2.0, 0.2, red}, {25.0, 2.0, 0.2, red}}, 20, 5, 1.0, QColor());
         QVERIFY(image.hasAlphaChannel());
@@ -126,14 +126,14 @@ private slots:
         QCOMPARE(image.pixel(5, 4), qRgba(0, 0, 0, 0));
     }
 
-    void coincidentVerticesAreADot()
+    void coincidentVerticesDrawDot()
     {
         const QImage image = imageOfLine({{5.0, 5.0, 0.2, red}, {5.0, 5.0, 0.2, red}}, 10, 10, 4.0, Qt::black);
         QCOMPARE(image.pixel(5, 5), red);
         QCOMPARE(image.pixel(5, 8), black);
     }
 
-    void drawsNothingOutsideTheImage()
+    void drawsNothingOutsideImage()
     {
         for (const double far : {-1e9, 1e9}) {
             const QImage image = imageOfLine({{far, far, 0.2, red}, {far, 0.0, 0.2, red}}, 3, 20, 5.0, Qt::black);

@@ -48,7 +48,7 @@ private slots:
         }
     }
 
-    void formatIsThatOfExtensionOrOption_data()
+    void formatFollowsExtensionOrOption_data()
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<int>("format");
@@ -64,7 +64,7 @@ private slots:
         QTest::newRow("option and extension") << QStringList({"--format=SVG", "a.png"}) << int(Format::Svg);
     }
 
-    void formatIsThatOfExtensionOrOption()
+    void formatFollowsExtensionOrOption()
     {
         QFETCH(QStringList, arguments);
         QTEST(int(parse(arguments).format), "format");
@@ -109,7 +109,7 @@ private slots:
         QCOMPARE(parse({"--size=100x2000", "a.pdf"}).page.lineWidth, 0.2);
     }
 
-    void turnIsRoundedToSixteenthDegrees_data()
+    void turnIsRoundedToSixteenthsOfDegree_data()
     {
         QTest::addColumn<QString>("turn");
         QTest::addColumn<QVector<int>>("units");
@@ -122,7 +122,7 @@ private slots:
         QTest::newRow("huge") << "1e22,-1e22,123456789012345.6" << QVector<int>({4480, 1280, 1690});
     }
 
-    void turnIsRoundedToSixteenthDegrees()
+    void turnIsRoundedToSixteenthsOfDegree()
     {
         QFETCH(QString, turn);
         QTEST(angles(parse({"--turn", turn, "a.png"}).page.turn), "units");
@@ -230,7 +230,7 @@ private slots:
         QVERIFY(parse({"--version"}).message.startsWith("pendrix3d-export 0."));
     }
 
-    void numbersFileNamesBeforeTheExtension()
+    void numbersFileNamesBeforeExtension()
     {
         QCOMPARE(numberedPath("a.png", 1), QString("a-00001.png"));
         QCOMPARE(numberedPath("b.c/a.tar.png", 99999), QString("b.c/a.tar-99999.png"));

@@ -152,7 +152,7 @@ private slots:
         QVERIFY(contentOf(path("a.b-00002.csv")) != contentOf(path("single.csv")));
     }
 
-    void oneColorReplacesTheEnginesColors()
+    void oneColorReplacesEngineColors()
     {
         QVERIFY(run({"--color=#010203", "a.csv"}).isSilentSuccess());
         QVERIFY(run({"--color=#010203", "a.svg"}).isSilentSuccess());
@@ -160,7 +160,7 @@ private slots:
         QCOMPARE(contentOf(path("a.svg")).count("<path "), 1);
     }
 
-    void resultsAreIndependentOfTheEnvironment()
+    void resultsAreIndependentOfEnvironment()
     {
         const QStringList options = {"--row=3", "--size=120x80", "--turn=1.5,2.5,3.5"};
         const QStringList formats = {"png", "svg"};
@@ -180,7 +180,7 @@ private slots:
         }
     }
 
-    void acceptsNamesOfAnyBytes()
+    void acceptsFileNamesOfAnyBytes()
     {
         for (const char *locale : {"C", "C.UTF-8"}) {
             environment.insert("LC_ALL", locale);
@@ -224,7 +224,7 @@ private slots:
         QVERIFY(shown.endsWith("\r\033[K"));
     }
 
-    void helpAndVersionFailIfTheyCannotBeWritten()
+    void helpAndVersionFailOnUnwritableOutput()
     {
         for (const char *option : {"--help", "--version", "-h", "-v"}) {
             const Result result = run({option});
@@ -308,7 +308,7 @@ private slots:
         QCOMPARE(files(), QStringList({"a-00001.csv", "a-00002.csv"}));
     }
 
-    void closedStreamsDoNoHarm()
+    void closedStreamsAreNotReused()
     {
         for (const char *streams : {"<&-", ">&-", "2>&-", "<&- >&- 2>&-"}) {
             QCOMPARE(runShell(QString("\"$0\" a.csv %1").arg(streams)).status, 0);
@@ -332,7 +332,7 @@ private slots:
 
     // ---- Corpora ----
 
-    void clipboardCorpusIsExportedOrRefused()
+    void clipboardCorpusIsExportedOrRejected()
     {
         const QDir corpus(PENDRIX_CORPUS "/clipboard");
         int exported = 0;
@@ -361,7 +361,7 @@ private slots:
         QCOMPARE(contentOf(path("a.csv")), contentOf(path("b.csv")));
     }
 
-    void settingsCorpusIsExportedOrRefusedAndNeverWritten()
+    void settingsCorpusIsExportedOrRejectedAndNeverWritten()
     {
         const QDir corpus(PENDRIX_CORPUS "/settings");
         environment.insert("XDG_CONFIG_HOME", path("settings"));

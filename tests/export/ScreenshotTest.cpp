@@ -63,7 +63,7 @@ class ScreenshotTest : public QObject
     Q_OBJECT
 
 private slots:
-    void exportedPicturesAreLikeTheView()
+    void exportedImagesMatchView()
     {
         const QVector<Turn> turns = {
             {0, 0, 0}, {30 * 16, 25 * 16, 0}, {90 * 16, 0, 45 * 16}, {5001, 1234, 777}, {200 * 16, 300 * 16, 100 * 16}};

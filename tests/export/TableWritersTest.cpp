@@ -182,7 +182,7 @@ private slots:
         QVERIFY(csvOf(curveOf({-1e-45F, -1e-45F, 0.0F, 0.0F, 0.0F, 0.0F})).contains("-0,"));
     }
 
-    void findsFirstVertexThatIsNotFinite()
+    void findsFirstNonFiniteVertex()
     {
         QCOMPARE(firstNonFinite(curveOf({1.0F, 2.0F, 3.0F, 0.0F, 0.0F, 0.0F})), -1);
         // freq2 * t exceeds the range of a float from t = 1.9 on.

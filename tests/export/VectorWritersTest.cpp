@@ -159,7 +159,7 @@ private slots:
         QCOMPARE(svg.paths.first().points.size(), 16666);
     }
 
-    void svgDescribesThePage()
+    void svgDescribesPage()
     {
         const Curve curve = curveOf(pdx3.presets.at(1));
         const Svg svg = parsed(svgOf(curve, Page{297, 210.5, 0.35, QColor("navy"), {}}));
@@ -172,7 +172,7 @@ private slots:
         QCOMPARE(parsed(transparent).elements.size(), 4);
     }
 
-    void pdfHasNoFontsAndNoImages()
+    void pdfHasNeitherFontsNorImages()
     {
         const QByteArray pdf = pdfOf(curveOf(pdx3.presets.at(1)), Page{200, 100, 0.2, Qt::white, {}});
         QVERIFY(pdf.startsWith("%PDF-"));

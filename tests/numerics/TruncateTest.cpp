@@ -19,7 +19,7 @@ private slots:
         QCOMPARE(truncatedOr(1e-320, 7), 0);
     }
 
-    void coversTheRangeOfInt()
+    void coversIntRange()
     {
         QCOMPARE(truncatedOr(2147483647.0, 7), 2147483647);
         QCOMPARE(truncatedOr(2147483647.999, 7), 2147483647);
@@ -27,7 +27,7 @@ private slots:
         QCOMPARE(truncatedOr(-2147483648.999, 7), std::numeric_limits<int>::min());
     }
 
-    void returnsTheFallbackOutOfRange()
+    void returnsFallbackOutOfRange()
     {
         const double inf = std::numeric_limits<double>::infinity();
         for (const double value : {2147483648.0, -2147483649.0, 1e300, -1e300, inf, -inf, std::nan("")})

@@ -124,7 +124,7 @@ private slots:
         QCOMPARE(pdx3.paramList, rows);
     }
 
-    void editChangesOneOfTheBlankRows()
+    void editChangesOneBlankRow()
     {
         // The blank rows are implicitly shared copies.
         model->setData(model->index(40, 2), 1.0F);

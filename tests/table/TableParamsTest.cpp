@@ -95,7 +95,7 @@ private slots:
 
     void cleanup() { table.reset(); }
 
-    void isPlainTableViewThatOwnsItsModel()
+    void isPlainTableViewOwningModel()
     {
         QCOMPARE(QByteArray(TableParams::staticMetaObject.className()), QByteArray("TableParams"));
         QVERIFY(table->model);

@@ -227,7 +227,7 @@ private slots:
         }
     }
 
-    void cubeCoordsOutsideTheTableIsNaN()
+    void cubeCoordsOutsideTableIsNaN()
     {
         const float nan = std::numeric_limits<float>::quiet_NaN();
         for (const int i : {-1, 8, lowest, highest}) {
@@ -236,7 +236,7 @@ private slots:
         }
     }
 
-    void cubeFaceIsTheRemainderOfSix_data()
+    void cubeFaceIsRemainderOfSix_data()
     {
         QTest::addColumn<int>("number");
         QTest::addColumn<QVector<int>>("drawn");
@@ -249,7 +249,7 @@ private slots:
         QTest::newRow("highest") << highest << QVector<int>{1}; // 1 above one
     }
 
-    void cubeFaceIsTheRemainderOfSix()
+    void cubeFaceIsRemainderOfSix()
     {
         QFETCH(int, number);
         QFETCH(QVector<int>, drawn);
@@ -280,7 +280,7 @@ private slots:
         COMPARE_CALLS(all);
     }
 
-    void dodecahedronFaceOutsideTheTableDrawsNothing()
+    void dodecahedronFaceOutsideTableDrawsNothing()
     {
         for (const int face : {-1, 12, lowest, highest})
             gl.dodecahedronFace(face);

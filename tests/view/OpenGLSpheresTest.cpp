@@ -81,7 +81,7 @@ class OpenGLSpheresTest : public QObject
     OpenGL gl;
 
 private slots:
-    void sphereIsBlueOrHasAColorPerCell()
+    void sphereIsBlueOrHasColorPerCell()
     {
         QVector<QColor> colors;
         Calls colorCalls;
@@ -101,7 +101,7 @@ private slots:
         }
     }
 
-    void sphereLineOutlinesTheCells()
+    void sphereLineOutlinesCells()
     {
         for (const int n : {0, 1, 2, 5, 12}) {
             for (const float r : radii) {
@@ -112,7 +112,7 @@ private slots:
         }
     }
 
-    void sphereTexturedHasFractionsOfTheAngles()
+    void sphereTexturedMapsAnglesToFractions()
     {
         for (const int n : {0, 1, 2, 5, 12}) {
             for (const float r : radii) {

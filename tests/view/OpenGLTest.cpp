@@ -77,14 +77,14 @@ class OpenGLTest : public QObject
 private slots:
     void init() { FakeOpenGL::clear(); }
 
-    void constructionCallsNothing()
+    void constructionCallsNoOpenGL()
     {
         const OpenGL constructed;
         Q_UNUSED(constructed)
         COMPARE_CALLS({});
     }
 
-    void textPolygonRunsRoundTheUnitSquare()
+    void textPolygonTracesUnitSquare()
     {
         for (const int n : counts) {
             const float step = rounded(2.0 * M_PI / n);
@@ -269,7 +269,7 @@ private slots:
         });
     }
 
-    void polygonHasTheProductAsItsHeight()
+    void polygonUsesProductAsHeight()
     {
         for (const int n : counts) {
             Floats expected;
@@ -291,7 +291,7 @@ private slots:
         COMPARE_NEW_ARRAY(gl.grid(0, highest, 1.0F), {});
     }
 
-    void shuffleSwapsFromTheEnd()
+    void shuffleSwapsFromEnd()
     {
         for (const int n : {2, 3, 52}) {
             QVector<int> numbers(n + 2);
@@ -320,7 +320,7 @@ private slots:
         QCOMPARE(std::rand(), firstDrawn);
     }
 
-    void circleIgnoresItsHeight()
+    void circleIgnoresHeight()
     {
         for (const int n : counts) {
             for (const bool centred : {false, true}) {
@@ -345,7 +345,7 @@ private slots:
         }
     }
 
-    void panelIsWideByItsSecondArgument()
+    void panelWidthIsSecondArgument()
     {
         gl.panel(0.1F, -3.0F);
         COMPARE_CALLS({{"glBegin", {GL_POLYGON}},
@@ -356,7 +356,7 @@ private slots:
                        {"glEnd", {}}});
     }
 
-    void panelFaceShowsTheWholeTexture()
+    void panelFaceShowsWholeTexture()
     {
         gl.panelFace(0.1F, 3.0F);
         COMPARE_CALLS({{"glBegin", {GL_QUADS}},
@@ -381,7 +381,7 @@ private slots:
         }
     }
 
-    void ellipseIsALoopOfItsCoords()
+    void ellipseDrawsLoopOfItsCoords()
     {
         const Floats points = ellipsePoints(1.5F, -2.25F, 3.1F, 0.7F, 24);
         QVector<OpenGLCall> expected = {{"glBegin", {GL_LINE_LOOP}}};

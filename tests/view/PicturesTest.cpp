@@ -120,7 +120,7 @@ private slots:
         QVERIFY(!litArea(readPixels({100, 100})).isEmpty());
     }
 
-    void curveFillsHalfOfTheHeightAtAnyDensity()
+    void curveFillsHalfOfHeightAtEveryPixelRatio()
     {
         // The curve swings by 1 unit in x and y. From 5 units away, 45 degrees of view show 2 tan(22.5 degrees) 5
         // units.
@@ -137,7 +137,7 @@ private slots:
         QVERIFY((area.center() - QPoint(210, 180) * ratio).manhattanLength() <= 4 * ratio);
     }
 
-    void yPointsDownInThePalettesFirstColor()
+    void decayingYDrawsBlueLineDownwards()
     {
         // Nothing swings, and y decays from 1 to 0: a line from the centre downwards.
         Probe view;
@@ -175,7 +175,7 @@ private slots:
         QVERIFY(!litArea(view.frame).isEmpty());
     }
 
-    void smallestSizes()
+    void paintsAtSmallestSizes()
     {
         for (const QSize size : {QSize(1, 1), QSize(1, 90), QSize(90, 1)}) {
             QWidget window;

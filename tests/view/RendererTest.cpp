@@ -217,7 +217,7 @@ private slots:
         COMPARE_CALLS({{"glFrustum", {-(h * 1.3), h * 1.3, -h, h, 0.7, 90.0}}});
     }
 
-    void paintGLSetsTheCamera()
+    void paintGLSetsCamera()
     {
         Probe view;
         view.paintGL();
@@ -233,7 +233,7 @@ private slots:
         COMPARE_CALLS(camera(-2.5, 177.9375, 360.0, 359.9375, 12.25));
     }
 
-    void paintGLWithoutCameraOnlyRendersTheScene()
+    void paintGLWithoutCameraOnlyRendersScene()
     {
         Probe view;
         view.applyView = false;
@@ -339,7 +339,7 @@ private slots:
         QCOMPARE(view.paints, before + 1);
     }
 
-    void setFPSAddsATimer_data()
+    void setFPSAddsTimer_data()
     {
         QTest::addColumn<float>("fps");
         QTest::addColumn<int>("interval"); // -1: stopped
@@ -359,7 +359,7 @@ private slots:
         QTest::newRow("nan") << std::numeric_limits<float>::quiet_NaN() << -1;
     }
 
-    void setFPSAddsATimer()
+    void setFPSAddsTimer()
     {
         QFETCH(float, fps);
         QFETCH(int, interval);
@@ -393,7 +393,7 @@ private slots:
         QTRY_VERIFY(view.paints >= before + 5);
     }
 
-    void dragRotatesByHalfADegreePerPixel_data()
+    void dragRotatesByHalfDegreePerPixel_data()
     {
         QTest::addColumn<int>("buttons");
         QTest::addColumn<Angles>("expected");
@@ -405,7 +405,7 @@ private slots:
         QTest::newRow("none") << int(Qt::NoButton) << Angles{0, 0, 0};
     }
 
-    void dragRotatesByHalfADegreePerPixel()
+    void dragRotatesByHalfDegreePerPixel()
     {
         QFETCH(int, buttons);
         QFETCH(Angles, expected);
@@ -437,7 +437,7 @@ private slots:
         QCOMPARE(order, QStringList({"x 16", "y 8", "x 32", "z 8", "y 16", "x 5752", "y 0"}));
     }
 
-    void dragAcrossTheIntRange()
+    void dragAcrossIntRange()
     {
         Probe view;
         drag(view, Qt::LeftButton, {lowest + 1, highest}, {highest, lowest + 1}); // Qt's rounding excludes the lowest
@@ -468,7 +468,7 @@ private slots:
         QCOMPARE(view.angles(), Angles({0, 0, 0}));
     }
 
-    void dragThroughTheWindowSystem()
+    void dragThroughWindowSystemRotates()
     {
         QWidget window;
         Probe view(&window);
