@@ -7,7 +7,7 @@
 
 void advance(QVector<float> &row, int frames)
 {
-    // As Pendrix3D::next.
+    // The same arithmetic as in Pendrix3D::next.
     for (int frame = 0; frame < frames; ++frame) {
         row[0] = static_cast<float>(static_cast<double>(row.at(0)) + 0.0004);
         row[2] = static_cast<float>(static_cast<double>(row.at(2)) + 0.0004);

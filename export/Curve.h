@@ -3,7 +3,7 @@
 #include <QRgb>
 #include <QVector>
 
-/// A vertex of the curve with the engine's values for the point of the same index.
+/// A point of the curve as the engine computes it: its time, coordinates and colour.
 struct CurveVertex
 {
     float t;
@@ -15,17 +15,15 @@ struct CurveVertex
 
 using Curve = QVector<CurveVertex>;
 
-/// Moves the frequencies of the parameter row `row` by `frames` frames of the application, without computing the curves
-/// in between.
+/// Advances the frequencies of the parameter row `row` by `frames` frames of the animation, without computing curves.
 void advance(QVector<float> &row, int frames);
 
-/// Returns the curve of the parameter row `row`: 16666 vertices. Computes with the global engine, whose current curve
-/// it replaces.
+/// Returns the curve of the parameter row `row`: 16666 vertices. Replaces the current curve of the global engine.
 Curve curveOf(const QVector<float> &row);
 
 /// Returns the index of the first vertex with an infinite or NaN coordinate, or -1 if the curve is finite.
 int firstNonFinite(const Curve &curve);
 
-/// Returns the colour of vertex `i` as a view draws it: the colour of the point before, because of the one-vertex
-/// colour lag. Vertex 0 has the colour of point 0.
+/// Returns the colour in which a view draws vertex `i`. Because of the one-vertex colour lag, this is the colour of
+/// point `i` - 1; for vertex 0 the colour of point 0.
 QRgb vertexColor(const Curve &curve, int i);

@@ -24,10 +24,10 @@ ExportError failure(const QString &problem, const QString &detail)
     return {ExportError::failure, problem, detail};
 }
 
-/// Returns the text of the file at `path`, UTF-8; "-" is standard input.
+/// Returns the UTF-8 text of the file at `path`; "-" is standard input. Throws if it cannot be read or is too large.
 QString textOfFile(const QString &path)
 {
-    constexpr qint64 mostBytes = 256 << 20; // more than twice what the clipboard is tested with
+    constexpr qint64 mostBytes = 256 << 20; // more than twice the largest clipboard text of the tests
     QFile file;
     const bool isOpen = path == QLatin1String("-") ? file.open(stdin, QIODevice::ReadOnly)
                                                    : (file.setFileName(path), file.open(QIODevice::ReadOnly));
@@ -39,7 +39,7 @@ QString textOfFile(const QString &path)
     return QString::fromUtf8(bytes);
 }
 
-/// Returns row `number` of the text file at `path`.
+/// Returns row `number`, from 1, of the text file at `path`. Throws unless it exists and has six finite numbers.
 QVector<float> rowOfText(const QString &path, int number)
 {
     const QString text = textOfFile(path);
@@ -59,7 +59,7 @@ QVector<float> rowOfText(const QString &path, int number)
     return row;
 }
 
-/// Returns row `number` of the settings file, or the built-in row if there is no file or it is damaged.
+/// Returns row `number`, from 1, of the settings; the built-in row if the settings have no valid parameter list.
 QVector<float> rowOfSettings(int number)
 {
     const auto settings = openSettings();
@@ -99,19 +99,19 @@ QByteArray contentOf(const Curve &curve, const Options &options)
     return csvOf(curve);
 }
 
-/// Writes `content` to the file at `path`, completely or not at all.
+/// Writes `content` to the file at `path`, completely or not at all. Follows symbolic links. Throws on errors.
 void save(const QByteArray &content, const QString &path)
 {
     QFileInfo target(path);
     for (int links = 0; target.isSymLink(); ++links) {
-        if (links == 40) // as the kernel
+        if (links == 40) // the limit of Linux
             throw failure(QStringLiteral("too many links"), path);
         target.setFile(target.symLinkTarget());
     }
     if (target.exists() && !target.isFile())
         throw failure(QStringLiteral("not a regular file"), path);
     QSaveFile file(target.filePath());
-    // Without the flush, commit does not see an error in the last bytes.
+    // Without flush, commit misses an error in writing the last bytes.
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush() || !file.commit())
         throw failure(QStringLiteral("cannot write"), path + QStringLiteral(": ") + file.errorString());
 }
@@ -134,12 +134,12 @@ void exportCurve(const QVector<float> &row, const Options &options, const QStrin
     save(content, path);
 }
 
-/// A progress bar on standard error; nothing if that is not a terminal.
+/// A progress bar on standard error; invisible unless standard error is a terminal.
 class Progress
 {
 public:
     explicit Progress(int count) : total(count) {}
-    ~Progress() { print("\r\033[K"); } // an empty line
+    ~Progress() { print("\r\033[K"); } // erases the line
     Q_DISABLE_COPY(Progress)
 
     void show(int done) const

@@ -2,6 +2,6 @@
 
 #include "export/Options.h"
 
-/// Exports what `options` describe. Throws an ExportError if a row, a curve or a file is wrong; finished files stay,
-/// and an unfinished one leaves nothing behind.
+/// Exports the row and the frames that `options` select. Throws an ExportError if reading the row, computing a curve or
+/// writing a file fails. Keeps the files of earlier frames and leaves no partial file.
 void exportCurves(const Options &options);

@@ -7,21 +7,24 @@
 #include <limits>
 #include <vector>
 
-// Every pixel has 16 samples, each with a depth, as a z-buffer has for pixels. Each of 16 subrows of a pixel row has
-// one sample per pixel, at a different fraction of the pixel's width, so that nearly horizontal and nearly vertical
-// edges have 16 steps.
+// Supersampling with a z-buffer: every pixel has 16 samples, each with a colour and a nearness. A pixel row is divided
+// into 16 subrows with one sample per pixel. The horizontal position of the sample in its pixel differs from subrow to
+// subrow, so that nearly horizontal and nearly vertical edges both have 16 levels of coverage.
+//
+// The image is rendered in bands of a few pixel rows. Each band draws all segments that touch it and then resolves its
+// samples to pixels.
 
 namespace {
 
 constexpr int samples = 16;
 
-/// The position of a subrow's sample within each pixel, in 1/16 of its width.
+/// Positions of the subrows' samples in a pixel, in 1/16 of its width.
 constexpr std::array<int, samples> sampleOrder = {0, 8, 4, 12, 2, 10, 6, 14, 1, 9, 5, 13, 3, 11, 7, 15};
 
-/// Pixel rows that are rendered at a time, few enough for the samples of an image of usual width to stay in the cache.
+/// Pixel rows per band: few enough for the samples of an image of usual width to stay in the cache.
 constexpr int bandHeight = 8;
 
-/// Values along a subrow.
+/// An interval of x; empty unless `left` <= `right`.
 struct Span
 {
     double left = std::numeric_limits<double>::infinity();
@@ -34,7 +37,7 @@ struct Span
     }
 };
 
-/// A segment of the line with the round ends that make the joins.
+/// A segment of the line with round ends, which form the joins.
 class Segment
 {
 public:
@@ -47,7 +50,7 @@ public:
     double top() const { return std::min(a.y, b.y) - radius; }
     double bottom() const { return std::max(a.y, b.y) + radius; }
 
-    /// Returns the part of the segment at `y`; from infinity to minus infinity if there is none.
+    /// Returns the interval of x that the segment covers at `y`.
     Span at(double y) const
     {
         Span span;
@@ -60,7 +63,7 @@ public:
         }
         if (isPoint || dy == 0.0)
             return span;
-        // The two long sides; the round ends contain the short ones.
+        // Intersections with the two long sides. The short sides are inside the round ends.
         const double perUnit = radius / std::sqrt(squaredLength);
         for (const double side : {perUnit, -perUnit}) {
             const double along = (y - (a.y + dx * side)) / dy;
@@ -81,7 +84,7 @@ public:
     bool isPoint;
 };
 
-/// Returns the mix of two colours; `part` of 256 parts are `b`.
+/// Returns the colour `part` / 256 of the way from `a` to `b`. Interpolates red and blue in one multiplication.
 QRgb mixed(QRgb a, QRgb b, unsigned part)
 {
     const unsigned redBlue = ((a & 0xFF00FFU) * (256U - part) + (b & 0xFF00FFU) * part) >> 8U;
@@ -89,7 +92,7 @@ QRgb mixed(QRgb a, QRgb b, unsigned part)
     return (redBlue & 0xFF00FFU) | (green & 0xFF00U);
 }
 
-/// The samples of a few pixel rows.
+/// The samples of a band.
 class Band
 {
 public:
@@ -106,6 +109,7 @@ public:
         touched.fill({width, 0});
     }
 
+    /// Draws the part of `segment` in the band into the samples.
     void draw(const Segment &segment)
     {
         const int first = std::max(subrowAfter(segment.top()), top * samples);
@@ -114,7 +118,7 @@ public:
             drawSubrow(segment, subrow);
     }
 
-    /// Stores the pixels of row `row` of the image in `line` as far as they have samples, and empties the samples.
+    /// Resolves the samples of pixel row `row`: writes the covered pixels to `line` and clears the samples.
     void resolve(int row, QRgb *line, const QColor &background)
     {
         const auto [begin, end] = touched.at(static_cast<std::size_t>(row - top));
@@ -172,7 +176,7 @@ private:
         int end;
     };
 
-    /// Returns the first subrow of the image whose samples are at `y` or below, clamped to the band and its neighbours.
+    /// Returns the first subrow of the image at or below `y`, clamped to the band and one subrow on either side.
     int subrowAfter(double y) const
     {
         const double subrow = std::ceil(y * samples - 0.5);
@@ -195,7 +199,7 @@ private:
         Range &range = touched.at(static_cast<std::size_t>(subrow / samples - top));
         range = {std::min(range.begin, begin), std::max(range.end, end)};
 
-        // The position along the segment, 0 to 1 between its ends, at the first sample and per pixel.
+        // The position along the segment, 0 at a and 1 at b: at the first sample, and its change per pixel.
         const double scale = segment.isPoint ? 0.0 : 1.0 / segment.squaredLength;
         const double start = ((begin + offset - segment.a.x) * segment.dx + (y - segment.a.y) * segment.dy) * scale;
         const double step = segment.dx * scale;
@@ -214,7 +218,7 @@ private:
 
     int width;
     int top = 0;
-    std::vector<float> nearness; ///< of each sample; 0 for an empty one
+    std::vector<float> nearness; ///< of each sample; 0 if it is not covered
     std::vector<QRgb> colors;
     std::vector<Sum> sums;                   ///< scratch space of resolve
     std::array<Range, bandHeight> touched{}; ///< the pixels of each row that may have samples

@@ -16,8 +16,8 @@ struct ImageVertex
 };
 
 /// Returns an image of `width` by `height` pixels with the line strip through `vertices`: antialiased, with round
-/// joins, `lineWidth` pixels wide, with colours interpolated between vertices. Nearer segments hide farther ones; of
-/// two equally near ones the later is visible. An invalid `background` is transparent.
+/// joins, `lineWidth` pixels wide, with colours interpolated between vertices. Nearer segments hide farther ones. At
+/// equal nearness, the later segment is visible. An invalid `background` is transparent.
 ///
 /// The result is the same on every processor. Returns a null image if there is no memory for it.
 QImage imageOfLine(const QVector<ImageVertex> &vertices, int width, int height, double lineWidth,

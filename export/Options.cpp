@@ -38,8 +38,7 @@ ExportError wrongValue(const char *name, const QString &value)
     return wrongUsage(QStringLiteral("invalid value of --") + QLatin1String(name), value);
 }
 
-/// Returns the whole number that `text` is, digits only; nothing for other text and for numbers outside `first` to
-/// `last`.
+/// Returns the value of `text`, a whole number from `first` to `last` in digits only. Returns nothing for other text.
 std::optional<int> wholeNumber(const QString &text, int first, int last)
 {
     const auto isDigit = [](QChar c) { return c >= QLatin1Char('0') && c <= QLatin1Char('9'); };
@@ -50,7 +49,7 @@ std::optional<int> wholeNumber(const QString &text, int first, int last)
     return number;
 }
 
-/// Returns the finite decimal number that `text` is, nothing for other text.
+/// Returns the value of `text`, a finite decimal number. Returns nothing for other text.
 std::optional<double> decimalNumber(const QString &text)
 {
     const auto isPart = [](QChar c) { return QStringLiteral("0123456789+-.eE").contains(c); };
@@ -61,8 +60,7 @@ std::optional<double> decimalNumber(const QString &text)
     return number;
 }
 
-/// Returns the colour that `value` names, in any case: an invalid one for "none", nothing for text that is not a
-/// colour.
+/// Returns the colour named `value` in any case: an invalid colour for "none", nothing for an unknown name.
 std::optional<QColor> colorOf(const QString &value)
 {
     const QString text = value.toLower();
@@ -128,7 +126,7 @@ QVector<float> valuesOf(const QString &text)
     return row;
 }
 
-/// Stores the page size `text`, WxH, in `page`.
+/// Stores the size `text`, WxH, in `page`: in pixels or, unless `inPixels`, in millimetres. Throws if it is malformed.
 void setSize(Page &page, const QString &text, bool inPixels)
 {
     const QStringList parts = text.split(QLatin1Char('x'));
@@ -146,7 +144,7 @@ void setSize(Page &page, const QString &text, bool inPixels)
     page.height = *height;
 }
 
-/// Access to the options of a command line by name.
+/// The options of a command line, by name.
 class CommandLine
 {
 public:
@@ -158,18 +156,19 @@ public:
             option("format", "F", "Format: png, svg, pdf, ply or csv. Default: the extension of FILE."),
             option("preset", "N", "Built-in preset 1 to 12. Default: 1."),
             option("row", "N", "Row 1 to 64 of the settings file, or of --rows."),
-            option("rows", "FILE", "Rows as text, as the application copies them; - is standard input."),
-            option("values", "F1,F2,F3,P1,P2,C", "A row: three frequencies, two phases and the colour mode."),
+            option("rows", "FILE", "Text file with rows as the application copies them; - is standard input."),
+            option("values", "F1,F2,F3,P1,P2,C", "Parameter row: three frequencies, two phases and the colour mode."),
             option("frame", "N", "Frame of the animation, 0 to 1000000. Default: 0."),
-            option("turn", "X,Y,Z", "Rotations in degrees, as dragging with the mouse adds them. Default: 0,0,0."),
+            option("turn", "X,Y,Z", "Rotation about x, y and z in degrees. Default: 0,0,0."),
             option("size", "WxH",
-                   "Size: pixels up to 16384 for PNG, millimetres up to 5000 for SVG and PDF. Default: 1600x1600 and "
-                   "200x200."),
+                   "Size: up to 16384 pixels for PNG, up to 5000 millimetres for SVG and PDF. Default: 1600x1600 for "
+                   "PNG, 200x200 for SVG and PDF."),
             option("line-width", "W",
-                   "Line width in the unit of --size. Default: 1 pixel per 500 pixels of height, at least 1; 0.2 mm."),
-            option("color", "COLOR", "One colour for the whole curve: a name of SVG or #rrggbb."),
+                   "Line width in the unit of --size. Default: 1 pixel per 500 pixels of height, at least 1, for PNG; "
+                   "0.2 mm for SVG and PDF."),
+            option("color", "COLOR", "One colour for the whole curve: an SVG colour name or #rrggbb."),
             option("background", "COLOR", "Colour of the page, or none. Default: black for PNG, none for SVG and PDF."),
-            option("frames", "N", "Exports N frames, 1 to 99999, to the files name-00001.ext, name-00002.ext, ..."),
+            option("frames", "N", "Number of frames, 1 to 99999, to export to name-00001.ext, name-00002.ext, ..."),
             {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Prints this help.")},
             {{QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Prints the version.")},
         });
@@ -221,7 +220,7 @@ RowSource rowSource(const CommandLine &line)
     const bool hasRow = line.isSet("row") || line.isSet("rows");
     if (int(line.isSet("preset")) + int(line.isSet("values")) + int(hasRow) > 1)
         throw wrongUsage(QStringLiteral("conflicting options"),
-                         QStringLiteral("only one of --preset, --values and --row or --rows is possible"));
+                         QStringLiteral("use only one of --preset, --values, and --row or --rows"));
     RowSource row;
     if (line.isSet("values")) {
         row.kind = RowSource::Values;

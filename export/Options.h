@@ -48,14 +48,14 @@ struct Options
     Format format = Format::Png;
     RowSource row;
     int firstFrame = 0;
-    int frameCount = 0; ///< 0 exports one frame to `file`, other counts export to numbered files
+    int frameCount = 0; ///< 0: one frame, to `file`; otherwise numbered files
     QColor color;       ///< invalid for the engine's colours
     Page page;
 };
 
-/// Returns the options in `arguments`, the first of which is the program's name. Throws an ExportError with the status
-/// wrongUsage for everything that the arguments alone show to be wrong.
+/// Parses `arguments`, which start with the program's name. Throws an ExportError with the status wrongUsage if they
+/// are invalid. Opens no file.
 Options parseOptions(const QStringList &arguments);
 
-/// Returns the path for a frame of `path`: `name-00042.ext` for `name.ext` and `number` 42.
+/// Returns the path of frame `number`: `name-00042.ext` for the path `name.ext` and frame 42.
 QString numberedPath(const QString &path, int number);

@@ -26,7 +26,7 @@ void prepareProcess()
 {
 #ifdef Q_OS_UNIX
     for (int stream = 0; stream <= 2; ++stream) {
-        // open returns the lowest free number: the closed stream's. The mode is the one that the stream cannot use.
+        // open returns the lowest free descriptor, which is `stream`. The mode makes the stream unusable.
         if (fcntl(stream, F_GETFD) < 0)
             (void)open("/dev/null", stream == 0 ? O_WRONLY : O_RDONLY);
     }

@@ -4,9 +4,9 @@
 
 #include <QStringList>
 
-/// Makes the process independent of its environment, before it opens any file:
-/// - a standard stream that is closed stays unusable, so that no file that is opened later takes its number;
-/// - a write to a closed pipe or beyond a limit fails instead of ending the process;
+/// Makes the process independent of its environment. Call before opening any file. Afterwards:
+/// - closed standard streams are unusable, and no file opened later has the descriptor of a standard stream;
+/// - a write to a closed pipe or beyond the file size limit fails instead of raising a signal;
 /// - Qt prints no warnings;
 /// - strings from outside hold one byte per character (see ExportError) in every locale.
 void prepareProcess();
@@ -14,7 +14,7 @@ void prepareProcess();
 /// Returns the arguments of `main`, one byte per character.
 QStringList argumentsOf(int argc, char *argv[]);
 
-/// Prints `message` on standard output. Throws an ExportError if that is impossible.
+/// Prints `message` on standard output. Throws an ExportError if that fails.
 void printMessage(const QString &message);
 
 /// Prints `error` on standard error, in one line and without control characters.

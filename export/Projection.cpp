@@ -10,14 +10,16 @@ namespace {
 
 using Rotation = Projection::Rotation;
 
-// Rounded to float: libm's double results may differ in the last bit from processor to processor, and no multiple of
-// 1/16 degree has a sine so close to the middle between two floats that this shows.
+// The last bit of libm's double results may differ between processors. Rounding to float hides the difference: no
+// multiple of 1/16 degree has a sine or cosine that close to the midpoint of two floats.
 
+/// Returns the sine of an angle in degrees, rounded to float.
 double sine(double degrees)
 {
     return static_cast<double>(static_cast<float>(std::sin(qDegreesToRadians(degrees))));
 }
 
+/// Returns the cosine of an angle in degrees, rounded to float.
 double cosine(double degrees)
 {
     return static_cast<double>(static_cast<float>(std::cos(qDegreesToRadians(degrees))));

@@ -4,8 +4,8 @@
 
 #include <QGenericMatrix>
 
-/// A point on a page, in the page's unit from its upper left corner, and its nearness to the eye: 1 / depth, in 1 per
-/// scene unit, which is linear along projected lines.
+/// A point on a page, in the page's unit from its upper left corner, and its nearness: the reciprocal of its distance
+/// from the eye along the viewing direction, in 1 per scene unit. Nearness is linear along projected lines.
 struct PagePoint
 {
     double x;
@@ -20,8 +20,8 @@ struct Projection
 
     explicit Projection(const Page &page);
 
-    /// Returns the point of the page at which the eye sees the point `x`, `y`, `z` of the scene. The point must be less
-    /// than 5 scene units from the origin, so that it is before the eye.
+    /// Returns the projection of the point `x`, `y`, `z` of the scene. The point must be less than 5 scene units from
+    /// the origin, and is thus in front of the eye.
     PagePoint operator()(double x, double y, double z) const;
 
     Rotation rotation;

@@ -39,7 +39,7 @@ void forEachRun(const Curve &curve, Draw draw)
     }
 }
 
-/// Returns `number` with as many digits as are needed to read the same number back.
+/// Returns the shortest text that reads back as `number`.
 QByteArray shortest(double number)
 {
     return QByteArray::number(number, 'g', QLocale::FloatingPointShortest);
@@ -52,7 +52,7 @@ QByteArray nineDigits(float number)
     return number == 0.0F && std::signbit(number) ? '-' + text : text;
 }
 
-/// Returns x, y, z and the colour of vertex `i`, each after `separator` but the first.
+/// Returns the coordinates and the drawn colour of vertex `i` as six numbers, separated by `separator`.
 QByteArray fields(const Curve &curve, int i, char separator)
 {
     const CurveVertex &v = curve.at(i);
@@ -124,7 +124,7 @@ QByteArray pdfOf(const Curve &curve, const Page &page)
     writer.setResolution(dotsPerInch);
     QPainter painter(&writer);
     painter.scale(dotsPerMillimetre, dotsPerMillimetre);
-    if (page.background.isValid()) // to the edge, whatever the rounding of the page's size
+    if (page.background.isValid()) // 1 mm larger, because the page's size is rounded
         painter.fillRect(QRectF(0.0, 0.0, page.width + 1.0, page.height + 1.0), page.background);
 
     const QVector<PagePoint> points = projected(curve, page);

@@ -6,23 +6,24 @@
 #include <QByteArray>
 #include <QImage>
 
-/// Returns an antialiased image of the finite curve on which nearer lines hide farther ones. Returns a null image if
-/// there is no memory for it.
+/// Returns an antialiased image of the curve, which must be finite. Nearer lines hide farther ones. Returns a null
+/// image if there is no memory for it.
 QImage imageOf(const Curve &curve, const Page &page);
 
-// Each returns the content of a file with the finite curve, in memory, so that a full disk cannot interrupt an encoder.
+// Encoders. They return the content of a file in memory, so that a full disk cannot interrupt them. The curve must be
+// finite.
 
-/// Returns imageOf as PNG; nothing if there is no memory for the image.
+/// Returns the image of imageOf as PNG; an empty array if there is no memory for it.
 QByteArray pngOf(const Curve &curve, const Page &page);
 
-/// Returns polylines in curve order, one per run of segments of one colour, in millimetres.
+/// Returns the curve as SVG: a path per run of segments of one colour, in curve order, in millimetres.
 QByteArray svgOf(const Curve &curve, const Page &page);
 
-/// As svgOf. The page's width and height are rounded to whole points.
+/// Returns the polylines of svgOf as PDF. Rounds the page's width and height to whole points (1/72 inch).
 QByteArray pdfOf(const Curve &curve, const Page &page);
 
-/// Returns the vertices and the edges between them, in scene units.
+/// Returns the curve as PLY: the vertices in scene units and the edges between them.
 QByteArray plyOf(const Curve &curve);
 
-/// Returns a line per vertex under a line of titles.
+/// Returns the curve as CSV: a line of titles and a line per vertex, in scene units.
 QByteArray csvOf(const Curve &curve);

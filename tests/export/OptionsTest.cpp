@@ -1,4 +1,4 @@
-// The command line.
+// Parsing of the command line.
 
 #include "export/Options.h"
 #include "export/ExportError.h"
@@ -203,7 +203,7 @@ private slots:
                                         {"--values=1,2,3,4,5,6", "--row=1"},
                                         {"--values=1,2,3,4,5,6", "--rows=-"}})
             row(pair + QStringList("a.png"),
-                "conflicting options: only one of --preset, --values and --row or --rows is possible");
+                "conflicting options: use only one of --preset, --values, and --row or --rows");
         row({"--size=1x1", "a.csv"}, "invalid option: PLY and CSV have no --size");
         row({"--size=1x1", "a.ply"}, "invalid option: PLY and CSV have no --size");
         row({"--size=0.9x100", "a.svg"}, "invalid value of --size: 0.9x100");
