@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Stores the fields that are numbers in `row`.
+/// Stores each numeric field in the same column of `row`.
 void store(const RowFields &fields, QVector<float> &row)
 {
     int column = 0;

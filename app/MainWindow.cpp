@@ -15,10 +15,10 @@
 
 namespace {
 
-/// Wider than any screen, in pixels; a larger width is damaged.
+/// The largest accepted column width in pixels, wider than any screen. A larger one is damaged.
 constexpr int widestColumn = 20000;
 
-/// Shows changes of the parameter list in the table.
+/// Updates the table after changes of the parameter list.
 void refresh(const TableParams &table)
 {
     if (table.model)
@@ -48,7 +48,7 @@ void MainWindow::loadSettings()
     if (!settings)
         return;
     const QByteArray layout = settings->value(SettingsKey::windowState).toByteArray();
-    // A Qt version that writes layouts in another format reads that format, too.
+    // If this version of Qt writes another format, which the check does not recognise, skip the check.
     if (isUsableWindowState(layout) || !isUsableWindowState(saveState()))
         restoreState(layout);
 
@@ -57,7 +57,7 @@ void MainWindow::loadSettings()
     for (const QScreen *screen : screenList)
         screens << screen->availableGeometry();
     const QByteArray geometry = settings->value(SettingsKey::geometry).toByteArray();
-    if (isUsableGeometry(geometry, screens) && restoreGeometry(geometry)) // which accepts any size
+    if (isUsableGeometry(geometry, screens) && restoreGeometry(geometry)) // accepts any size: limit it
         resize(size().boundedTo(QGuiApplication::primaryScreen()->availableVirtualSize()));
 
     const auto widths = settings->value(SettingsKey::colsWidth).value<QVector<int>>();

@@ -19,16 +19,16 @@ public:
     explicit MainWindow(QWidget *parent = nullptr);
     ~MainWindow() override;
 
-    /// Opens the settings and applies them to the window, the table and the engine's parameter list. Missing, damaged
-    /// and malformed values leave everything as it is. Reports nothing. Called once, by the constructor.
+    /// Opens the settings and applies them to the window, the table and the engine's parameter list. Ignores missing,
+    /// damaged and malformed values. Reports nothing. Called once, by the constructor.
     void loadSettings();
 
-    /// Saves the window, the table and the engine's parameter list, and deletes `settings`. The file changes as a whole
-    /// or not at all, and foreign entries stay. Returns within seconds even if another program holds the lock; the
-    /// file then stays as it is. Called once, by the destructor.
+    /// Saves the window, the table and the engine's parameter list, and deletes `settings`. Replaces the file
+    /// atomically and keeps foreign entries. Returns within seconds, without saving, if another program holds the lock.
+    /// Called once, by the destructor.
     void saveSettings();
 
-    /// Returns the text of the file at `path`, read as UTF-8 up to the first zero byte. Empty if it cannot be opened.
+    /// Returns the UTF-8 text of the file at `path` up to the first zero byte; an empty string if it cannot be opened.
     QString readTextFile(const QString &path);
 
     /// The form's objects. Owned.

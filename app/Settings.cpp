@@ -23,7 +23,7 @@ using Rows = QVector<QVector<float>>;
 #ifdef PENDRIX_SETTINGS_ARE_TEXT
 namespace {
 
-/// Returns whether `path` leads to a regular file or to none. Opening a FIFO, for one, would block.
+/// Returns whether `path` is a regular file or does not exist. Opening a FIFO, for example, would block.
 bool canOpen(const QString &path)
 {
     struct stat status = {};
@@ -32,7 +32,7 @@ bool canOpen(const QString &path)
     return errno == ENOENT || errno == ENOTDIR;
 }
 
-/// Returns the folder of the native format's files. Opens none of them.
+/// Returns the folder of QSettings' native files. Opens none of the program's: uses another organisation name.
 QString nativeFolder(QSettings::Scope scope)
 {
     const QSettings neighbour(scope, QStringLiteral("quillmoss-neighbour"), QStringLiteral("pdx3"));
@@ -57,7 +57,7 @@ std::unique_ptr<QSettings> openSettings()
     if (!canOpen(path))
         return nullptr;
     auto settings = std::make_unique<QSettings>(path, format);
-    if (settings->status() != QSettings::NoError) // of this file alone
+    if (settings->status() != QSettings::NoError) // this object reads no fallback files
         return nullptr;
 
     // Unless its path is set, the system scope consists of the folders in XDG_CONFIG_DIRS.
@@ -69,7 +69,7 @@ std::unique_ptr<QSettings> openSettings()
     for (const QString &place : qAsConst(folders)) {
         if (!canOpen(place + QStringLiteral("/quillmoss.conf")) ||
             !canOpen(place + QStringLiteral("/quillmoss/pdx3.conf")))
-            return settings; // without fallback
+            return settings; // without fallback files
     }
     return std::make_unique<QSettings>(format, QSettings::UserScope, organization, application);
 #else

@@ -17,9 +17,9 @@
 
 namespace {
 
-constexpr char letters[] = "abtnvfr"; // of the escapes for \a to \r
+constexpr char letters[] = "abtnvfr"; // of the escapes \a to \r, in the order of their codes
 
-/// Returns the bytes of a value from its text, without the quotes and escapes that QSettings writes.
+/// Returns the bytes of the value `text`, without quotes and with the escapes of QSettings replaced.
 QByteArray unescaped(const QByteArray &text)
 {
     QByteArray bytes;
@@ -40,11 +40,11 @@ QByteArray unescaped(const QByteArray &text)
     return bytes;
 }
 
-/// Returns the text of a value as QSettings writes it.
+/// Returns the text of the value `bytes`, with quotes and escapes as QSettings writes them.
 QByteArray escaped(const QByteArray &bytes)
 {
     QByteArray text;
-    bool isAfterNumber = false; // which a digit would continue
+    bool isAfterNumber = false; // a hexadecimal digit would continue the numeric escape, so it is escaped, too
     for (const char byte : bytes) {
         const bool isLetter = byte >= '\a' && byte <= '\r';
         const bool isPlain = byte >= ' ' && byte <= '~' && !(isAfterNumber && std::isxdigit(byte));
@@ -60,7 +60,8 @@ QByteArray escaped(const QByteArray &bytes)
     return needsQuotes ? '"' + text + '"' : text;
 }
 
-/// Returns whether `stream` has all elements that its counts promise: of 4 bytes at depth 1, of vectors at depth 2.
+/// Reads past a streamed vector and returns whether all its elements exist: elements of 4 bytes at depth 1, vectors of
+/// such elements at depth 2. QDataStream would allocate memory for a damaged count.
 bool hasElements(QDataStream &stream, int depth)
 {
     quint32 count = 0;
@@ -114,7 +115,7 @@ QByteArray encoded(const QString &key, const QVariant &value)
     return key.toLatin1() + '=' + escaped((isVariant ? "@Variant(" : "@ByteArray(") + bytes + ')');
 }
 
-/// The place of one of our entries in the text of a settings file. Without a key: the end of a [General] line.
+/// The position of one of our entries in the text of a settings file. An empty key marks the end of a [General] line.
 struct Entry
 {
     QString key;
@@ -125,10 +126,15 @@ struct Entry
 /// Returns our entries in `text`. As in QSettings, those before the first section belong to [General].
 QVector<Entry> entriesIn(const QByteArray &text)
 {
-    // An entry ends before an unquoted line end or semicolon, but with its line if a quote never closes.
+    // All quantifiers are possessive, so that matching never backtracks into a repetition, however damaged the file is.
+    // The text is Latin-1: one character per byte.
+    //
+    // The rest of an entry or section line: up to an unquoted line end or semicolon, across escaped and quoted line
+    // ends; if a quote is never closed, up to the first line end.
     static const QString rest =
         QStringLiteral(R"((?:(?:[^\r\n;"\\]++|\\[\s\S]|"(?:[^"\\]++|\\[\s\S])*+")*+(?!["\\])|[^\r\n]*+))");
     static const QString key = QStringLiteral("(colsWidth|geometry|paramList|windowState)[ \\t]*+=");
+    // The tokens: byte order mark, comment, section (capture 1), our entry (capture 2), run of foreign entries.
     static const QRegularExpression token(
         QStringLiteral(R"(^\xEF\xBB\xBF|;[^\r\n]*+|\[([^]\r\n]*+)%1|%2%1|(?:(?!;|\[|%2)\S%1\s*+)++)").arg(rest, key));
     QVector<Entry> entries;
@@ -164,7 +170,7 @@ bool readSettings(QIODevice &file, QSettings::SettingsMap &values)
         const QByteArray assignment = text.mid(entry.start, entry.end - entry.start);
         const QVariant value = decoded(entry.key, assignment.mid(assignment.indexOf('=') + 1));
         if (value.isValid())
-            values.insert(entry.key, value); // the last of several, as QSettings does
+            values.insert(entry.key, value); // the last of several entries wins, as in QSettings
     }
     return true;
 }
@@ -192,7 +198,7 @@ bool writeSettings(QIODevice &file, const QSettings::SettingsMap &values)
         copied = entry.end;
         if (isSection(entry))
             sectionEnd = result.size();
-        else if (remaining.contains(entry.key)) // else a second entry of this key, which is dropped
+        else if (remaining.contains(entry.key)) // drops entries without a value and second entries of a key
             result += encoded(entry.key, remaining.take(entry.key));
     }
     result += text.mid(copied);
@@ -207,7 +213,7 @@ bool writeSettings(QIODevice &file, const QSettings::SettingsMap &values)
     if (saveFile.write(result) != result.size() || !saveFile.flush())
         return false;
 #ifdef Q_OS_UNIX
-    return fsync(saveFile.handle()) == 0; // QSaveFile ignores the result of its own
+    return fsync(saveFile.handle()) == 0; // QSaveFile calls fsync, too, but ignores errors
 #else
     return true;
 #endif

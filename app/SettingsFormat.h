@@ -2,8 +2,8 @@
 
 #include <QSettings>
 
-// The format of Qt's native text files, limited to four keys in [General], each with its own type, for
-// QSettings::registerFormat. Damaged values of other types can crash or hang Qt's own parser.
+// A reader and a writer for QSettings::registerFormat. Their format is that of QSettings' native text files, limited to
+// four keys in [General] with one type each. QSettings' own parser can crash or hang on damaged values of other types.
 
 namespace SettingsKey {
 constexpr auto colsWidth = "colsWidth";
@@ -12,10 +12,10 @@ constexpr auto paramList = "paramList";
 constexpr auto windowState = "windowState";
 } // namespace SettingsKey
 
-/// Reads the values of the four keys from `file`. Ignores malformed values and foreign entries. Returns false on
+/// Reads the values of the four keys from `file`. Ignores malformed values and foreign entries. Returns false on read
 /// errors.
 bool readSettings(QIODevice &file, QSettings::SettingsMap &values);
 
-/// Writes to `file`, a QSaveFile, the content of the file that it replaces, with `values` in the place of the entries
-/// of the four keys. Keeps all other bytes. Returns false on errors.
+/// Writes to `file`, a QSaveFile, the content of the file that it will replace, with the entries of the four keys set
+/// to `values`. Keeps all other bytes. Returns false on read and write errors.
 bool writeSettings(QIODevice &file, const QSettings::SettingsMap &values);

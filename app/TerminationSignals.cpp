@@ -21,7 +21,7 @@ extern "C" void writeToPipe(int /*signal*/)
 {
     const int before = errno;
     const char byte = 0;
-    [[maybe_unused]] const ssize_t written = write(pipeEnds[1], &byte, 1); // a full pipe is as good
+    [[maybe_unused]] const ssize_t written = write(pipeEnds[1], &byte, 1); // a full pipe also wakes the reader
     errno = before;
 }
 
@@ -30,7 +30,7 @@ void closeAllWindows()
     if (QWidget *focused = QApplication::focusWidget())
         focused->clearFocus(); // commits an open editor
     QApplication::closeAllWindows();
-    QCoreApplication::quit(); // a minimised or hidden window may not end the event loop
+    QCoreApplication::quit(); // closing a minimised or hidden window may not end the event loop
 }
 
 } // namespace

@@ -3,8 +3,9 @@
 class QObject;
 
 /// Makes SIGTERM, SIGHUP and SIGINT close all windows and message boxes, so that the settings are saved and the program
-/// exits with status 0. The text of an open cell editor is kept, as with Enter. `parent` owns what this needs.
+/// exits with status 0. Commits the text of an open cell editor, as Enter does. `parent` owns the socket notifier.
 ///
-/// A second signal of the same kind has its default action: a session that ends may send SIGTERM and SIGHUP together.
-/// Signals that are ignored at the call, as under nohup, stay ignored. Does nothing on systems without these signals.
+/// Only a second signal of the same kind has its default action, because the end of a session may send SIGTERM and
+/// SIGHUP together. Signals that are ignored at the call, as under nohup, stay ignored. Does nothing on systems without
+/// these signals.
 void closeOnTerminationSignals(QObject *parent);

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Returns `name` as hexadecimal digits, as QMainWindow::saveState writes it.
+/// Returns the bytes of `name` as QMainWindow::saveState writes them, in hexadecimal.
 QString hexOf(const QString &name)
 {
     QByteArray bytes;
@@ -57,11 +57,11 @@ bool isUsableGeometry(const QByteArray &geometry, const QVector<QRect> &screens)
     }
     if (stream.status() != QDataStream::Ok || !frame.isValid() || !normal.isValid() || !current.isValid())
         return false;
-    // The title bar is taken to be 20 pixels high. The window may also have none, so the top of its contents counts,
-    // too: restoreGeometry moves it below the screen's edge.
+    // Assumes a title bar 20 pixels high. Accepts the top of the window's contents as well: for a window without a
+    // title bar, and because restoreGeometry moves a title bar above the screen to below its edge.
     const QRect window = isMaximized || isFullScreen ? normal : current;
     return std::any_of(screens.cbegin(), screens.cend(), [&window](const QRect &screen) {
-        constexpr qint64 height = 20; // 64 bits: the coordinates may be any number
+        constexpr qint64 height = 20; // 64 bits, because the coordinates may be any int
         const qint64 left = std::max(window.left(), screen.left());
         const qint64 right = std::min(window.right(), screen.right());
         const qint64 top = std::max(window.top() - height, qint64{screen.top()});

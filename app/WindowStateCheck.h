@@ -8,9 +8,10 @@
 /// visible: the two docks, each in its area, and the toolbar in any area. Sizes, positions and the visibility of the
 /// table's dock and of the toolbar may have any values.
 ///
-/// QMainWindow::restoreState crashes or hangs on damaged areas and counts, and nothing can show a hidden curve again.
+/// QMainWindow::restoreState crashes or hangs on damaged areas and counts, and the user could not show a hidden curve
+/// again.
 bool isUsableWindowState(const QByteArray &state);
 
-/// Returns whether `geometry`, written by QWidget::saveGeometry, has valid rectangles and puts the window's title bar
-/// where the pointer can grab it on one of `screens`, their available geometries.
+/// Returns whether `geometry`, written by QWidget::saveGeometry, has valid rectangles and enough of the title bar on
+/// one of `screens` for the pointer to grab it. `screens` are available geometries.
 bool isUsableGeometry(const QByteArray &geometry, const QVector<QRect> &screens);

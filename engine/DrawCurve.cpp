@@ -1,4 +1,4 @@
-// A file of its own, so that a program that computes curves without drawing them does not need OpenGL.
+// Separate from Pendrix3D.cpp, so that programs that only compute curves do not link OpenGL.
 
 #include "engine/Pendrix3D.h"
 

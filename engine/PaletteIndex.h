@@ -1,7 +1,7 @@
 #pragma once
 
-// From a palette position (in palette lengths) to a palette index. Branch-free, so that loops over these functions can
-// be vectorised.
+// Conversion of a palette position to a palette index. A position is in palette lengths: 0 is the start of the palette,
+// 1 its end, and positions from 1 on wrap around. Branch-free, so that loops over these functions can be vectorised.
 
 #include <cmath>
 

@@ -194,7 +194,7 @@ void Pendrix3D::calcCoords()
     }
 }
 
-// Structure of arrays and one loop for each step of the computation, so that the loops are vectorised.
+// A structure of arrays, with one loop per step of the computation, so that the compiler vectorises the loops.
 void Pendrix3D::calcBlock(int first, int count, CurvePoint *point, int *indices)
 {
     float times[blockLength];
@@ -215,7 +215,7 @@ void Pendrix3D::calcBlock(int first, int count, CurvePoint *point, int *indices)
     oscillate(phase1 * twoPi, freq1, ys);
     oscillate(phase2 * twoPi, freq3, zs);
 
-    float positions[blockLength]; // on the palette
+    float positions[blockLength]; // in palette lengths, see PaletteIndex.h
     switch (colorMode) {
     case 0:
         for (int j = 0; j < count; ++j)
@@ -241,7 +241,7 @@ void Pendrix3D::calcBlock(int first, int count, CurvePoint *point, int *indices)
         std::fill_n(positions, count, 1.0F);
     }
 
-    const int size = paletteSize; // a local, because the stores to `indices` could change the member
+    const int size = paletteSize; // a copy, because the stores to `indices` could alias the member
     for (int j = 0; j < count; ++j)
         indices[j] = paletteIndex(positions[j], size);
     for (int j = 0; j < count; ++j)

@@ -14,8 +14,8 @@ bool isTab(QChar character)
     return character == QLatin1Char('\t');
 }
 
-/// Removes the first non-empty part of `text` and returns it: the characters up to the first one that `separates`.
-/// Returns an empty part at the end of the text.
+/// Removes leading separators and the part up to the next separator from `text`, and returns the part. Returns an empty
+/// part if there is no other character. `separates` tests a character.
 template <typename Separates>
 QStringView takePart(QStringView &text, Separates separates)
 {

@@ -9,7 +9,7 @@
 #include <array>
 #include <optional>
 
-// Parameter rows as text, the form in which spreadsheets exchange cells: a line per row, six fields separated by tabs.
+// Parameter rows as text in the format in which spreadsheets exchange cells: a line per row, fields separated by tabs.
 
 /// The fields of a line, as views of its text.
 using RowFields = std::array<QStringView, Pendrix3D::rowLength>;

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Compile-time checks of the floating-point model. To be included by every file whose results are fixed to the bit.
+/// Compile-time checks of the floating-point model. Include in every source file whose results are fixed to the bit.
 ///
 /// The results require IEEE 754 binary32 and binary64, with each operation rounded once to the type that is written.
 /// Only the bits of NaNs are left open. The compiler cannot check contraction into fused multiply-add: the build

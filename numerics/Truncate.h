@@ -4,7 +4,7 @@
 
 /// Returns `value` truncated toward zero, or `fallback` if it is NaN or the result does not fit an int.
 ///
-/// Such a conversion is undefined behaviour in C++, and a table cell, the clipboard or the settings may hold any float.
+/// Out of range, the conversion is undefined behaviour in C++, and table cells, clipboard and settings hold any float.
 inline int truncatedOr(double value, int fallback)
 {
     // The bounds are one beyond the int range and exact in double. NaN fails both comparisons.

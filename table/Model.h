@@ -4,8 +4,8 @@
 
 /// Item model for the engine's parameter list: 64 rows of six floats.
 ///
-/// Has no data of its own: reads and writes go to the engine's list. Editing a cell does not change the displayed
-/// curve; the curve changes when the row is selected again.
+/// Holds no data: reads and writes go to the engine's list. Editing a cell does not change the displayed curve; the
+/// curve changes when the row is selected again.
 class Model : public QAbstractTableModel
 {
 public:
@@ -32,6 +32,6 @@ public:
     /// Returns the flags of an editable table cell; none for an invalid index.
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
-    /// Signals that every cell may have changed. To be called after each change of the list from outside the table.
+    /// Emits dataChanged for all cells. Call after each change of the list that does not come from the table.
     void refresh();
 };

@@ -16,7 +16,7 @@
 
 namespace {
 
-/// Returns a new array of `each` floats for each of `count` elements; an empty one for a negative `count`.
+/// Returns a new array of `count` times `each` floats, of length zero for a negative `count`.
 float *newFloats(int count, std::size_t each)
 {
     return new float[count > 0 ? static_cast<std::size_t>(count) * each : 0];

@@ -3,7 +3,7 @@
 class QColor;
 
 /// Fixed-function drawing helpers, a base class of the views: solids, spheres, panels and curves, points of regular
-/// figures, vector arithmetic and two set-ups.
+/// figures, vector arithmetic and two functions that set up a context.
 ///
 /// Has no data. Functions that draw call OpenGL in immediate mode and need a current context with fixed-function
 /// OpenGL; functions that compute need none. GUI thread only.
@@ -12,9 +12,8 @@ class QColor;
 ///   see icosahedron).
 /// - `colors` is either null, which keeps the current colour, or has one colour per face in face order, which is set
 ///   with glColor3f before the vertices of the face. Alpha is ignored.
-/// - The caller owns a returned array and frees it with `delete[]`, except for that of cubeCoords. A count below 1
-/// gives
-///   a zero-length array, which must still be freed.
+/// - The caller owns a returned array, except for the one of cubeCoords, and frees it with `delete[]`. A count below 1
+///   gives a zero-length array, which must still be freed.
 /// - Lengths are in scene units, angles in radians. NaN and infinities propagate as in IEEE 754.
 class OpenGL
 {

@@ -19,7 +19,7 @@ using Triangle = Face<3>;
 using Square = Face<4>;
 using Pentagon = Face<5>;
 
-// The small differences between values that geometry would have equal (0.618 beside 0.618034) are intended.
+// The inconsistent rounding of equal coordinates (0.618 and 0.618034) is intended.
 
 constexpr std::array<Point, 4> tetrahedronVertices = {{
     {0.0F, 0.0F, 1.732051F},

@@ -33,8 +33,7 @@ void Renderer::setFPS(float fps)
     auto *timer = new QTimer(this); // stopped
     if (fps == 0.0F)
         return;
-    // A negative interval, which QTimer does not accept, leaves the timer stopped; so does one that does not fit an
-    // int.
+    // The timer stays stopped for negative intervals, which QTimer rejects, and for those that do not fit an int.
     const int interval = truncatedOr(1000.0 / static_cast<double>(fps), -1);
     if (interval >= 0)
         timer->start(interval);
