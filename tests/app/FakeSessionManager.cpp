@@ -7,7 +7,6 @@
 #include <X11/SM/SMlib.h>
 
 #include <cstdlib>
-#include <cstring>
 
 namespace {
 
@@ -16,54 +15,35 @@ SmsConn client = nullptr;
 int listenerCount = 0;
 IceListenObj *listeners = nullptr;
 
-Status registerClient(SmsConn connection, SmPointer /*data*/, char *previousId)
-{
-    std::free(previousId);
-    char id[] = "1";
-    SmsRegisterClientReply(connection, id);
-    emit manager->registered();
-    return 1;
-}
-
-void interact(SmsConn connection, SmPointer /*data*/, int /*dialog*/)
-{
-    SmsInteract(connection);
-}
-
-void finishSave(SmsConn /*connection*/, SmPointer /*data*/, Bool /*isSuccess*/)
-{
-    emit manager->saved();
-}
-
-void freeProperties(SmsConn /*connection*/, SmPointer /*data*/, int count, SmProp **properties)
-{
-    for (int i = 0; i < count; ++i)
-        SmFreeProperty(properties[i]);
-    std::free(properties);
-}
-
 Status acceptClient(SmsConn connection, SmPointer /*data*/, unsigned long *mask, SmsCallbacks *callbacks,
                     char ** /*why*/)
 {
     client = connection;
+    // Those that Qt programs cause.
     *mask = SmsRegisterClientProcMask | SmsInteractRequestProcMask | SmsInteractDoneProcMask |
-            SmsSaveYourselfRequestProcMask | SmsSaveYourselfP2RequestProcMask | SmsSaveYourselfDoneProcMask |
-            SmsCloseConnectionProcMask | SmsSetPropertiesProcMask | SmsDeletePropertiesProcMask |
-            SmsGetPropertiesProcMask;
-    std::memset(callbacks, 0, sizeof *callbacks);
-    callbacks->register_client.callback = registerClient;
-    callbacks->interact_request.callback = interact;
+            SmsSaveYourselfDoneProcMask | SmsCloseConnectionProcMask | SmsSetPropertiesProcMask |
+            SmsDeletePropertiesProcMask;
+    callbacks->register_client.callback = [](SmsConn c, SmPointer, char *previousId) -> Status {
+        std::free(previousId);
+        char id[] = "1";
+        SmsRegisterClientReply(c, id);
+        emit manager->registered();
+        return 1;
+    };
+    callbacks->interact_request.callback = [](SmsConn c, SmPointer, int) { SmsInteract(c); };
     callbacks->interact_done.callback = [](SmsConn, SmPointer, Bool) {};
-    callbacks->save_yourself_request.callback = [](SmsConn, SmPointer, int, Bool, int, Bool, Bool) {};
-    callbacks->save_yourself_phase2_request.callback = [](SmsConn c, SmPointer) { SmsSaveYourselfPhase2(c); };
-    callbacks->save_yourself_done.callback = finishSave;
+    callbacks->save_yourself_done.callback = [](SmsConn, SmPointer, Bool) { emit manager->saved(); };
     callbacks->close_connection.callback = [](SmsConn, SmPointer, int, char **) {};
-    callbacks->set_properties.callback = freeProperties;
     callbacks->delete_properties.callback = [](SmsConn, SmPointer, int, char **) {};
-    callbacks->get_properties.callback = [](SmsConn, SmPointer) {};
+    callbacks->set_properties.callback = [](SmsConn, SmPointer, int count, SmProp **properties) {
+        for (int i = 0; i < count; ++i)
+            SmFreeProperty(properties[i]);
+        std::free(properties);
+    };
     return 1;
 }
 
+/// Calls `action` whenever `file` is readable. `parent` owns the notifier.
 void whenReadable(int file, QObject *parent, const std::function<void(QSocketNotifier *)> &action)
 {
     auto *notifier = new QSocketNotifier(file, QSocketNotifier::Read, parent);
@@ -91,7 +71,7 @@ FakeSessionManager::FakeSessionManager()
             whenReadable(IceConnectionNumber(connection), this, [connection](QSocketNotifier *notifier) {
                 if (IceProcessMessages(connection, nullptr, nullptr) == IceProcessMessagesSuccess)
                     return;
-                notifier->setEnabled(false); // the client has gone
+                notifier->setEnabled(false); // the client disconnected
                 client = nullptr;
             });
         });

@@ -15,7 +15,7 @@ public:
     /// Returns the value of SESSION_MANAGER for the client.
     QByteArray address() const;
 
-    /// Makes the client save its state. With `isShutdown` the session ends afterwards, which die does.
+    /// Requests that the client saves its state. With `isShutdown` the session ends afterwards, by `die`.
     void save(bool isShutdown);
     void die();
 

@@ -1,4 +1,4 @@
-// Signals and session managers end the program: its window closes, and the settings are saved.
+// Termination signals and session managers: the window closes, and the settings are saved.
 
 #include "app/MainWindow.h"
 #include "app/Settings.h"
@@ -12,18 +12,16 @@
 
 #include <QLineEdit>
 #include <QLockFile>
-#include <QMessageBox>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTimer>
 
 #include <csignal>
 
-#include <sys/types.h>
-
 namespace {
 
-/// As main, with rows of its own and `state` open: "about", "reset", "menu", "editor" or "minimised". Prints "ready".
+/// Runs the program with markedRows(7) and opens `state`: "about", "reset", "menu", "editor", "minimised" or none.
+/// Prints "ready" when it is open.
 int runProgram(int argc, char **argv, const QByteArray &state)
 {
     QApplication application(argc, argv);
@@ -32,7 +30,7 @@ int runProgram(int argc, char **argv, const QByteArray &state)
     window.show();
     window.activateWindow();
     pdx3.paramList = markedRows(7);
-    const auto openState = [&] {
+    const auto open = [&] {
         if (state == "about")
             window.ui->actionabout->trigger();
         else if (state == "reset")
@@ -48,19 +46,17 @@ int runProgram(int argc, char **argv, const QByteArray &state)
         }
     };
     const auto isOpen = [&] {
-        const QByteArray focused =
-            QApplication::focusWidget() ? QApplication::focusWidget()->metaObject()->className() : "";
         return state == "menu"                        ? QApplication::activePopupWidget() != nullptr
                : state == "about" || state == "reset" ? QApplication::activeModalWidget() != nullptr
-               : state == "editor"                    ? focused == "QExpandingLineEdit"
-                                                      : true;
+               : state == "editor" ? qobject_cast<QLineEdit *>(QApplication::focusWidget()) != nullptr
+                                   : true;
     };
     QTimer poll;
-    QObject::connect(&poll, &QTimer::timeout, &poll, [&, isAsked = false]() mutable {
-        if (!isAsked && window.isActiveWindow()) {
-            isAsked = true;
-            QTimer::singleShot(0, &window, openState); // modal ones would block this timer
-        } else if (isAsked && isOpen()) {
+    QObject::connect(&poll, &QTimer::timeout, &poll, [&, isOpening = false]() mutable {
+        if (!isOpening && window.isActiveWindow()) {
+            isOpening = true;
+            QTimer::singleShot(0, &window, open); // modal ones would block this timer
+        } else if (isOpening && isOpen()) {
             poll.stop();
             QTextStream(stdout) << "ready\n";
         }
@@ -76,36 +72,36 @@ class TerminationTest : public QObject
     Q_OBJECT
 
     std::unique_ptr<SettingsFolder> folder;
+    QProcess process;
 
-    /// Starts `program` with `folder` as its settings folder.
-    std::unique_ptr<QProcess> start(const QString &program, const QStringList &arguments,
-                                    const QByteArray &session = {})
+    /// Starts `command` with `folder` as its settings folder.
+    void start(QStringList command, const QByteArray &session = {})
     {
-        auto process = std::make_unique<QProcess>();
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("XDG_CONFIG_HOME", folder->path(QString()));
-        environment.remove("SESSION_MANAGER");
-        if (!session.isEmpty())
-            environment.insert("SESSION_MANAGER", session);
-        process->setProcessEnvironment(environment);
-        process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process->start(program, arguments);
-        return process;
+        environment.insert("SESSION_MANAGER", session);
+        process.setProcessEnvironment(environment);
+        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        process.start(command.takeFirst(), command);
     }
 
-    /// Starts this program as runProgram and waits until `state` is open.
-    std::unique_ptr<QProcess> startWith(const QByteArray &state, const QString &wrapper = {})
+    /// Starts this program as runProgram, by a command that has `prefix`, and waits until `state` is open.
+    void startWith(const QString &state, const QStringList &prefix = {})
     {
-        QStringList arguments = {QCoreApplication::applicationFilePath(), "--state", state};
-        if (!wrapper.isEmpty())
-            arguments.prepend(wrapper);
-        const QString program = arguments.takeFirst();
-        auto process = start(program, arguments);
-        return process->waitForReadyRead(30000) && process->readAllStandardOutput() == "ready\n" ? std::move(process)
-                                                                                                 : nullptr;
+        start(prefix + QStringList{QCoreApplication::applicationFilePath(), "--state", state});
+        QVERIFY(process.waitForReadyRead(30000));
+        QCOMPARE(process.readAllStandardOutput(), QByteArray("ready\n"));
     }
 
-    static void send(const QProcess &process, int signal) { ::kill(static_cast<pid_t>(process.processId()), signal); }
+    void send(int signal) const { ::kill(static_cast<pid_t>(process.processId()), signal); }
+
+    void verifyExitWith(const Rows &rows)
+    {
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 0);
+        QCOMPARE(savedRows(), rows);
+    }
 
     Rows savedRows() const
     {
@@ -116,107 +112,87 @@ class TerminationTest : public QObject
 private slots:
     void init() { folder = std::make_unique<SettingsFolder>(); }
 
-    void aSignalClosesAndSaves_data()
+    void cleanup()
     {
-        QTest::addColumn<int>("signal");
-        QTest::addColumn<QByteArray>("state");
-        QTest::newRow("SIGTERM") << SIGTERM << QByteArray("window");
-        QTest::newRow("SIGHUP") << SIGHUP << QByteArray("window");
-        QTest::newRow("SIGINT") << SIGINT << QByteArray("window");
-        for (const char *state : {"about", "reset", "menu", "editor", "minimised"})
-            QTest::newRow(state) << SIGTERM << QByteArray(state);
+        process.kill();
+        process.waitForFinished();
     }
 
-    void aSignalClosesAndSaves()
+    void signalClosesAndSaves_data()
     {
-        QFETCH(int, signal);
-        QFETCH(QByteArray, state);
-        const auto process = startWith(state);
-        QVERIFY(process);
-        send(*process, signal);
-        QVERIFY(process->waitForFinished());
-        QCOMPARE(process->exitStatus(), QProcess::NormalExit);
-        QCOMPARE(process->exitCode(), 0);
+        QTest::addColumn<QVector<int>>("sent");
+        for (const char *state : {"window", "about", "reset", "menu", "editor", "minimised"})
+            QTest::newRow(state) << QVector<int>{SIGTERM};
+        QTest::newRow("SIGHUP") << QVector<int>{SIGHUP};
+        QTest::newRow("SIGINT") << QVector<int>{SIGINT};
+        QTest::newRow("of an ending session") << QVector<int>{SIGTERM, SIGHUP};
+    }
+
+    void signalClosesAndSaves()
+    {
+        QFETCH(QVector<int>, sent);
+        const QByteArray state = QTest::currentDataTag();
+        startWith(state);
+        for (const int signal : qAsConst(sent))
+            send(signal);
         Rows expected = markedRows(7);
         if (state == "editor")
             expected[2][1] = 42.5F;
-        QCOMPARE(savedRows(), expected);
+        verifyExitWith(expected);
     }
 
-    void signalsOfAnEndingSessionTogetherCloseAndSave()
+    void secondSignalHasDefaultAction()
     {
-        const auto process = startWith("window");
-        QVERIFY(process);
-        send(*process, SIGTERM);
-        send(*process, SIGHUP);
-        QVERIFY(process->waitForFinished());
-        QCOMPARE(process->exitStatus(), QProcess::NormalExit);
-        QCOMPARE(savedRows(), markedRows(7));
-    }
-
-    void aSecondSignalHasItsDefaultAction()
-    {
-        QLockFile delay(folder->path() + ".lock"); // keeps the program from exiting for seconds
+        QLockFile delay(folder->path() + ".lock"); // delays the exit for seconds
         QVERIFY(delay.lock());
-        const auto process = startWith("window");
-        QVERIFY(process);
-        send(*process, SIGTERM);
-        QVERIFY(!process->waitForFinished(1000));
-        send(*process, SIGTERM);
-        QVERIFY(process->waitForFinished(1000));
-        QCOMPARE(process->exitStatus(), QProcess::CrashExit);
-        QCOMPARE(process->exitCode(), SIGTERM);
+        startWith("window");
+        send(SIGTERM);
+        QVERIFY(!process.waitForFinished(1000));
+        send(SIGTERM);
+        QVERIFY(process.waitForFinished(1000));
+        QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+        QCOMPARE(process.exitCode(), SIGTERM);
     }
 
-    void anIgnoredSignalStaysIgnored()
+    void ignoredSignalStaysIgnored()
     {
-        const auto process = startWith("window", "nohup");
-        QVERIFY(process);
-        send(*process, SIGHUP);
-        QVERIFY(!process->waitForFinished(500));
-        send(*process, SIGTERM);
-        QVERIFY(process->waitForFinished());
-        QCOMPARE(process->exitCode(), 0);
-        QCOMPARE(savedRows(), markedRows(7));
+        startWith("window", {"nohup"});
+        send(SIGHUP);
+        QVERIFY(!process.waitForFinished(500));
+        send(SIGTERM);
+        verifyExitWith(markedRows(7));
     }
 
-    // The installed program itself, for what only its main does.
+    // The program itself, because only its main configures sessions and signals.
 
-    void aCheckpointKeepsTheProgramOpenAndALogoutSaves()
+    void checkpointKeepsProgramOpenAndLogoutSaves()
     {
         FakeSessionManager manager;
         QSignalSpy registered(&manager, &FakeSessionManager::registered);
         QSignalSpy saved(&manager, &FakeSessionManager::saved);
-        const auto process = start(PROGRAM, {}, manager.address());
+        start({PROGRAM}, manager.address());
         QVERIFY(registered.wait(30000));
         manager.save(false);
         QVERIFY(saved.wait());
-        QTest::qWait(300);
-        QCOMPARE(process->state(), QProcess::Running);
+        QVERIFY(!process.waitForFinished(300));
         QVERIFY(folder->read().isEmpty());
 
         manager.save(true);
         QVERIFY(saved.wait());
         QVERIFY(folder->read().isEmpty());
         manager.die();
-        QVERIFY(process->waitForFinished());
-        QCOMPARE(process->exitStatus(), QProcess::NormalExit);
-        QCOMPARE(process->exitCode(), 0);
-        QCOMPARE(savedRows(), pdx3.paramList);
+        verifyExitWith(pdx3.paramList);
     }
 
-    void theProgramHandlesSignals()
+    void signalClosesProgram()
     {
-        FakeSessionManager manager; // tells when the program has started
-        QSignalSpy registered(&manager, &FakeSessionManager::registered);
-        const auto process = start(PROGRAM, {}, manager.address());
+        FakeSessionManager manager;
+        QSignalSpy registered(&manager, &FakeSessionManager::registered); // when the program has started
+        start({PROGRAM}, manager.address());
         QVERIFY(registered.wait(30000));
         QTest::qWait(500);
-        send(*process, SIGTERM);
-        QVERIFY(process->waitForFinished());
-        QCOMPARE(process->exitStatus(), QProcess::NormalExit);
-        QCOMPARE(process->exitCode(), 0);
-        QCOMPARE(savedRows(), pdx3.paramList);
+        send(SIGTERM);
+        verifyExitWith(pdx3.paramList);
     }
 };
 
