@@ -1,5 +1,5 @@
-# CPack runs this script before it builds a package from the installed tree. Converts the documents of a Debian package
-# to the format that Debian requires. Does nothing for other packages.
+# Converts the documents of a Debian package to the format that Debian requires. CPack runs this script before it builds
+# a package of any kind from the installed tree; does nothing for other kinds.
 cmake_minimum_required(VERSION 3.19)
 
 if(NOT CPACK_GENERATOR STREQUAL "DEB")

@@ -1,5 +1,5 @@
 # Removes the files of the last `cmake --install`: cmake -D manifest=BUILD/install_manifest.txt -P uninstall.cmake
-# Keeps all folders except doc/pendrix3d, because other programs may use them.
+# Removes the folder doc/pendrix3d if it is empty, but no other folder, because other programs may use them.
 if(NOT EXISTS "${manifest}")
   message(FATAL_ERROR "uninstall: nothing is installed: ${manifest} does not exist")
 endif()

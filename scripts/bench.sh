@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds Pendrix 3D and measures it: one table, with ratios of what was measured in this run.
-#   scripts/bench.sh --short   checks that every benchmark runs; its figures are worth little
+# Installs missing packages, builds Pendrix 3D, runs the benchmarks and prints a table of durations and ratios.
+#   scripts/bench.sh --short   checks that every benchmark runs; its figures are not meaningful
 set -euo pipefail
 export LC_ALL=C # a dot in numbers
 repetitions=9 seconds=0.1 starts=11 every=1
@@ -67,14 +67,14 @@ measure "$on_display" "$app/WindowBenchmark"
       modes("point by point, the reference of the tests", "pointByPoint/")
       print "\nA pass and draw. Required: less than 1.00 for the baseline, 0.70 for AVX2 and AVX-512"
       methods("passAndDraw")
-      print "\nBeside them, in us"
+      print "\nOther durations, in us"
       printf "%-42s %6.0f\n", "palette of 512 colours", time["palette"]
       printf "%-42s %6.0f\n", "settings, load", time["loadSettings"]
       printf "%-42s %6.0f\n", "settings, save", time["saveSettings"]
       printf "%-42s %6.0f\n", "copy 64 rows", time["copyRows"]
       printf "%-42s %6.0f\n", "paste 64 rows", time["pasteRows"]
     }' "$figures"
-  printf '\nThe program beside its form with a static curve. Required: 1.05 or less for memory and processor per frame\n'
+  printf '\nThe program compared with its form and a static curve. Required: 1.05 or less for memory and processor per frame\n'
   "$on_display" benchmarks/app/start-and-frames.sh \
     build/release/pendrix3d "$app/pendrix_baseline" "$app/libpendrix_first_frame.so" "$starts"
   echo

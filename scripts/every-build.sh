@@ -28,7 +28,7 @@ sysroot=$folder/arm64-sysroot
 
 step() { printf '\n==> %s\n' "$*"; }
 
-# Unpacks Debian's packages for Arm to a separate folder, from the system's package sources. Does not change the system's
+# Unpacks Debian's packages for Arm to `sysroot`, from the system's package sources. Does not change the system's
 # package lists, packages and architectures.
 prepare_sysroot() {
   local state=$folder/arm64-packages package link options
@@ -49,7 +49,7 @@ prepare_sysroot() {
   find "$sysroot" -lname '/*' | while IFS= read -r link; do
     ln --symbolic --force --no-dereference "$sysroot$(readlink "$link")" "$link"
   done
-  # moc, rcc and uic run on this processor.
+  # moc, rcc and uic run during the build: use the native programs.
   rm -r "$sysroot/usr/lib/qt5/bin"
   ln --symbolic "$(qmake -query QT_HOST_BINS)" "$sysroot/usr/lib/qt5/bin"
   touch "$sysroot/complete"
@@ -138,4 +138,4 @@ if [ ${#failed[@]} -gt 0 ]; then
   printf 'Failed: %s\n' "${failed[@]}" >&2
   exit 1
 fi
-echo "${#builds[@]} builds compute the same."
+echo "${#builds[@]} builds compute the same results."

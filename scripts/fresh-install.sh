@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Tests the packages of the current commit in bare Debian systems: builds them and the source package in one, installs,
-# uses and removes the Debian package in another. Requires root and debootstrap, downloads some hundreds of MB.
+# Tests the packages of the current commit in bare Debian systems: builds the Debian package and the source package in
+# one system; installs, uses and removes the Debian package in another. Requires root and debootstrap, and downloads
+# several hundred MB.
 #   scripts/fresh-install.sh [--base FOLDER] [--allow-expired] [SUITE]
 # SUITE is bookworm by default. --base keeps the bare system in FOLDER for the next run. --allow-expired accepts an
 # archive that is no longer updated, such as a snapshot of unstable.

@@ -24,7 +24,7 @@ begin_fresh() {
   done
   [ $# -eq 0 ] || { echo "usage: $0 [--base FOLDER] [--allow-expired] [SUITE]" >&2; exit 2; }
   if [ "$(id -u)" -ne 0 ]; then
-    echo "${0##*/}: only root can make a system in a folder" >&2
+    echo "${0##*/}: must be run as root" >&2
     exit 1
   fi
   local program
@@ -49,8 +49,8 @@ step() {
   printf '\n==> %s\n' "$current"
 }
 
-# bootstrap FOLDER: makes a minimal system of the suite with debootstrap, from its default mirror. Fails if it cannot verify
-# the archive's signature; an older Debian may require a newer debian-archive-keyring.
+# bootstrap FOLDER: creates a minimal system of the suite with debootstrap, from its default mirror. Fails if it cannot
+# verify the archive's signature; an older Debian may require a newer debian-archive-keyring.
 bootstrap() {
   # The namespace also removes the mounts of an interrupted debootstrap.
   unshare --mount --pid --fork --kill-child \
@@ -58,7 +58,7 @@ bootstrap() {
     { tail --lines=20 "$scratch/debootstrap.log" >&2; return 1; }
 }
 
-# make_system NAME: makes a bare system in the folder NAME of `scratch`, or copies it from the base.
+# make_system NAME: creates a bare system in the folder NAME of `scratch`, as a copy of the base system if there is one.
 make_system() {
   if [ -z "$base" ]; then
     bootstrap "$scratch/$1"

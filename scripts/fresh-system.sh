@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Tests ./run.sh --screenshot and ./test.sh of the current commit in a bare Debian system. Reports their times and the
-# number of tests; fails on any warning. Requires root and debootstrap, downloads some hundreds of MB.
+# number of tests; fails on any warning. Requires root and debootstrap, and downloads several hundred MB.
 #   scripts/fresh-system.sh [--base FOLDER] [--allow-expired] [SUITE]
 # SUITE is bookworm (the default), trixie, sid, or bullseye, whose CMake is too old: there the commands must report that
 # without installing anything, and a build without presets must succeed.

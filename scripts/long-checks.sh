@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
 # Runs the checks that take too long for .ci/run, and ends with a summary line for each section.
 #   scripts/long-checks.sh [SECTION ...]   runs only these sections; see `sections` below
-# FUZZ_SECONDS is the duration of the search of each fuzzer, 1800 by default. The section fresh-systems requires root and
-# passes the words of FRESH_OPTIONS to its scripts.
+# FUZZ_SECONDS is the duration of each fuzzer's run, 1800 by default. The section fresh-systems requires root and passes
+# the words of FRESH_OPTIONS to its scripts.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # check SECTION
 check() {
   case "$1" in
-    exhaustive) # large samples, all scale factors, Wayland, the embedding project, also under the sanitizers
+    exhaustive) # large samples, all scale factors, Wayland, the embedding example; once more under the sanitizers
       configure_and_build release &&
         run_exhaustive_tests release &&
         configure_and_build asan &&

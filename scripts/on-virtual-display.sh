@@ -4,13 +4,13 @@
 # VIRTUAL_SCREEN is the size of the display in pixels, 1280x1024 by default.
 set -euo pipefail
 
-# In memory where possible: programs that save settings wait for the disk otherwise.
+# In memory where possible, so that programs that save settings do not wait for the disk.
 scratch=$(mktemp --directory --tmpdir=/dev/shm 2> /dev/null || mktemp --directory)
 Xvfb -displayfd 3 -screen 0 "${VIRTUAL_SCREEN:-1280x1024}x24" -nolisten tcp 3> "$scratch/display" 2> "$scratch/messages" &
 server=$!
 trap 'kill "$server" 2> /dev/null || :; wait "$server" 2> /dev/null || :; rm -rf "$scratch"' EXIT
 
-# The server writes the number of its display once it accepts connections.
+# Wait until the server accepts connections: it then writes the number of its display.
 for _ in {1..400}; do
   [ ! -s "$scratch/display" ] || break
   kill -0 "$server" 2> /dev/null || break
@@ -28,7 +28,8 @@ export XDG_CONFIG_HOME=$scratch/settings XDG_CACHE_HOME=$scratch/cache TMPDIR=$s
 # Mesa reports a cache folder that it cannot create, for example after a change of the user id.
 export MESA_SHADER_CACHE_DISABLE=true
 unset WAYLAND_DISPLAY XAUTHORITY
-# The same look on every system: Qt's own style, and a fixed font resolution. Qt's versions derive different ones.
+# The same appearance on every system: Qt's own style and a fixed font resolution, which otherwise depends on Qt's
+# version.
 export QT_FONT_DPI=96
 unset QT_QPA_PLATFORMTHEME QT_STYLE_OVERRIDE XDG_CURRENT_DESKTOP
 "$@"

@@ -77,7 +77,7 @@ fail() {
   exit 1
 }
 
-# install_missing ENTRY ...: installs the packages that are missing; exits with a message if that is impossible.
+# install_missing ENTRY ...: installs the missing packages of the entries; exits with an error message if it cannot.
 install_missing() {
   local entry packages=() as_root=() output
   check_cmake
@@ -102,7 +102,7 @@ apt-get ${install[*]}"
   apt_get "${install[@]}"
 }
 
-# apt_get ARGUMENT ...: runs apt-get for install_missing, and shows its output only if it fails.
+# apt_get ARGUMENT ...: runs apt-get for install_missing; prints its output only if it fails.
 apt_get() {
   output=$("${as_root[@]}" env LC_ALL=C DEBIAN_FRONTEND=noninteractive apt-get --option Dpkg::Use-Pty=0 "$@" 2>&1) || {
     printf '%s\n' "$output" >&2
@@ -110,7 +110,7 @@ apt_get() {
   }
 }
 
-# Exits with a message if the installed CMake, or else the one that apt offers, is too old for the presets.
+# Exits with an error message if CMake is too old for the presets: the installed one or, without one, apt's candidate.
 check_cmake() {
   local required found found_by
   required=$(sed -En 's/.*"cmakeMinimumRequired".*"major": ([0-9]+), "minor": ([0-9]+).*/\1.\2/p' CMakePresets.json)

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Draws the program's icon anew, hicolor/: the scalable one, and the PNG files of the usual sizes.
+# Renders the program's icon in packaging/hicolor: the SVG file and the PNG files in the usual sizes.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 id=example.quillmoss.Pendrix3D

@@ -31,4 +31,4 @@ for file in pendrix3d "pendrix3d_*.deb"; do
   # shellcheck disable=SC2086 # the version is left to the pattern
   cmp "$scratch"/one/build/release/$file "$scratch"/elsewhere/and/two/build/release/$file
 done
-echo "Both builds made the same program and the same package."
+echo "Both builds produced the same programs and the same package."

@@ -1,7 +1,11 @@
-// Makes the pictures of the documents: gallery FOLDER
+// Renders the pictures of the documents to FOLDER: gallery FOLDER
 //
-// Writes window.png, the application's window, presets.png, the twelve presets, color-modes.png, a curve in the five
-// colour modes, and export-png.png to FOLDER. Uses its own settings. Returns 1 if a picture cannot be written.
+//   window.png        the application's window
+//   presets.png       the twelve presets
+//   color-modes.png   a curve in the five colour modes
+//   export-png.png    an exported image
+//
+// Uses a temporary settings folder. Exits with 1 if a picture cannot be written.
 
 #include "app/MainWindow.h"
 #include "engine/Pendrix3D.h"

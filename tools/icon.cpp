@@ -3,8 +3,8 @@
 // SIZE is the intended width in pixels: smaller icons have fewer and thicker turns of the curve. The drawing for 512
 // can be scaled up.
 //
-// The curve is the engine's: the second preset, coloured by height, seen at a slant. Its frequencies are whole numbers,
-// so that each turn is almost a closed line, and turns can be left out.
+// Shows the engine's curve of the second preset, coloured by height and tilted. Its frequencies are whole numbers, so
+// that each turn is almost closed and the drawing can leave turns out.
 
 #include "engine/Pendrix3D.h"
 
@@ -31,7 +31,7 @@ constexpr double side = 512.0;
 struct Style
 {
     int size;
-    int every;        ///< draws each turn of this number
+    int every;        ///< draws every n-th turn
     double lineWidth; ///< in units of the drawing
     double margin;    ///< from the drawing's edge to the plate
     double extent;    ///< the larger of width and height of the curve

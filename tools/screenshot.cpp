@@ -3,7 +3,7 @@
 //
 // Starts PROGRAM, waits until its window shows a drawing, runs the command USE, saves a picture of the window as FILE
 // (PNG), closes the window as a window manager does, and exits with PROGRAM's status; with 1 after any error.
-// Requires a display without a window manager, which would place the window inside its own.
+// Requires a display without a window manager, which would reparent the window.
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
@@ -63,7 +63,7 @@ bool showsDrawing(const QImage &picture)
     return vivid >= enough;
 }
 
-/// Sends the window the request of its frame's close button.
+/// Sends `window` the close request of a window manager.
 void requestClose(Display *display, Window window)
 {
     XEvent event = {};
@@ -77,7 +77,7 @@ void requestClose(Display *display, Window window)
     XSync(display, False);
 }
 
-/// A window may vanish between two requests: ignore the errors.
+/// Ignores an X error: a window may be destroyed between two requests.
 int ignoreError(Display * /*display*/, XErrorEvent * /*event*/)
 {
     return 0;

@@ -1,5 +1,5 @@
-// The least that a window like the program's costs: its form and its frames, drawn from a static array. Has no engine,
-// no rows, no icons and no settings. start-and-frames.sh compares the program with it.
+// A lower bound for the cost of the program's window: the same form and the same frames, drawn from a static array,
+// without engine, rows, icons and settings. start-and-frames.sh compares the program with it.
 
 #include "ui_MainWindow.h"
 

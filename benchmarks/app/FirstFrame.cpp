@@ -1,5 +1,5 @@
-// Preload into a program that shows its frames with glXSwapBuffers, as start-and-frames.sh does. Writes one line to the
-// file that FIRST_FRAME_REPORT names:
+// Interposer for glXSwapBuffers: start-and-frames.sh preloads it into a program to measure its frames. Writes one line
+// to the file that FIRST_FRAME_REPORT names:
 //     seconds from FIRST_FRAME_START to the first frame, processor seconds (user and system, all threads) until then,
 //     resident kB then,
 //     frames of the measured span, its seconds, processor seconds in it,
@@ -45,11 +45,11 @@ const char *setting(const char *name)
     return value ? value : "";
 }
 
-/// Measures the frames.
+/// Measures the time to the first frame and a span of later frames.
 class Watch
 {
 public:
-    /// Call after each frame.
+    /// Records a frame. Reports once the span has ended.
     void frameShown()
     {
         if (reported)
@@ -94,7 +94,7 @@ private:
 
 } // namespace
 
-/// Replaces the library's function of this name, which it calls.
+/// Calls the library's glXSwapBuffers and records the frame.
 extern "C" void glXSwapBuffers(Display *dpy, GLXDrawable drawable)
 {
     using Swap = void (*)(Display *, GLXDrawable);

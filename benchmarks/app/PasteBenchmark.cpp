@@ -1,6 +1,5 @@
-// Time and peak memory of a paste from another program (xclip), for texts of several shapes and sizes.
-//
-// Both should be proportional to the text. Needs a display: scripts/on-virtual-display.sh PasteBenchmark
+// Time and peak memory of a paste from another program (xclip), for texts of several shapes and sizes. Both should be
+// proportional to the size of the text. Requires a display: scripts/on-virtual-display.sh PasteBenchmark
 
 #include "app/Clipboard.h"
 #include "engine/Pendrix3D.h"
@@ -46,7 +45,7 @@ void copyElsewhere(const QByteArray &text)
     xclip.write(text);
     xclip.closeWriteChannel();
     xclip.waitForFinished(-1);
-    QThread::msleep(200); // for its child to own the selection
+    QThread::msleep(200); // until its child process owns the selection
     QCoreApplication::processEvents();
 }
 

@@ -1,7 +1,7 @@
 // clazy:excludeall=non-pod-global-static (Google Benchmark registers benchmarks with them)
 
 // Loading and saving the settings, copying and pasting the rows.
-// Needs a display: scripts/on-virtual-display.sh WindowBenchmark
+// Requires a display: scripts/on-virtual-display.sh WindowBenchmark
 
 #include "app/Clipboard.h"
 #include "app/MainWindow.h"

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Compares the program with pendrix_baseline: start-and-frames.sh PROGRAM BASELINE PRELOAD [N]
-# Starts PROGRAM and BASELINE N times each, in turns, preloads PRELOAD (libpendrix_first_frame.so), which measures their
-# frames, and prints medians and quartiles. N is 11 by default; a start takes about seven seconds.
-# Needs a display: scripts/on-virtual-display.sh benchmarks/app/start-and-frames.sh ...
+# Starts PROGRAM and BASELINE alternately, N times each, with PRELOAD (libpendrix_first_frame.so), which measures their
+# frames. Prints medians and quartiles. N is 11 by default; a start takes about seven seconds.
+# Requires a display: scripts/on-virtual-display.sh benchmarks/app/start-and-frames.sh ...
 set -euo pipefail
 export LC_ALL=C # a dot in numbers
 
@@ -42,7 +42,7 @@ measure() {
   echo "$1 $report" >> "$scratch/figures"
 }
 
-# The first start of each only fills the caches.
+# Fill the caches: do not count the first start of each program.
 measure program "$program"
 measure baseline "$baseline"
 : > "$scratch/figures"

@@ -10,8 +10,8 @@
 #include <array>
 #include <complex>
 
-/// Replaces the program's view: shows as many frames of a strip of as many points, from one static array of 7 floats
-/// per point that never changes.
+/// Replaces the program's view: draws a line strip with the same number of points at the same frame rate, from a
+/// constant array of 7 floats per point.
 class PendrixWidget : public QOpenGLWidget
 {
 public:
@@ -23,7 +23,7 @@ public:
     }
 
 protected:
-    /// Fills the array with the first preset's curve after some 50 frames, by rotations instead of sines.
+    /// Fills the array with the first preset's curve after about 50 frames, by complex rotations instead of sines.
     void initializeGL() override
     {
         using Swing = std::complex<double>;
