@@ -25,7 +25,7 @@ unsigned int colorOf(const Channels &channels)
     return static_cast<unsigned int>((channels[0] * 256 + channels[1]) * 256 + channels[2]);
 }
 
-/// Returns the low 8 bits of a value's integer part by fmod. 0 for NaN and infinities.
+/// Returns the low 8 bits of the integer part of `value`, computed with fmod; 0 for NaN and infinities.
 int lowByte(double value)
 {
     if (!std::isfinite(value))
@@ -34,8 +34,8 @@ int lowByte(double value)
     return static_cast<int>(rest < 0.0 ? rest + 256.0 : rest);
 }
 
-// The textbook conversion by sectors of the hue: the index of the largest channel selects the sector, and the other two
-// channels, in cyclic order, give the offset in it.
+/// Returns the HLS triple of `c` by sectors of the hue: the index of the largest channel selects the sector, and the
+/// other two channels, in cyclic order, give the offset in it.
 Triple hlsOf(unsigned int c)
 {
     const Channels bytes = channelsOf(c);
@@ -97,7 +97,7 @@ QByteArray hex(unsigned int c)
     return QByteArray("0x") + QByteArray::number(c, 16).rightJustified(8, '0');
 }
 
-/// RGBtoHLS with a result.
+/// Returns the results of RGBtoHLS.
 Triple converted(unsigned int c)
 {
     Triple hls = {-1.0, -1.0, -1.0};

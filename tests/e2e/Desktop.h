@@ -18,7 +18,7 @@ bool startWindowManager();
 /// Sends the window manager the request to close the window, as a task bar does.
 void close(WId window);
 
-/// Returns what the screen shows of `area`.
+/// Returns a picture of `area` of the screen.
 QImage picture(const QRect &area);
 
 /// Runs xdotool. Fails the running test if xdotool fails.

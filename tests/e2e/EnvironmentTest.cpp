@@ -1,4 +1,4 @@
-// Dense screens and other languages.
+// Scale factors and locales.
 
 #include "tests/e2e/Rows.h"
 #include "tests/support/SampleSize.h"
@@ -69,7 +69,7 @@ private slots:
         RunningProgram::paste(textOf(rows));
         QCOMPARE(program.cell(0, 1).x() < program.cell(0, 0).x(), rightToLeft);
 
-        // The editor takes a full stop and no comma, in every language.
+        // The editor accepts a full stop and no comma in every locale.
         program.click(program.cell(4, 1));
         COMPARE_SOON(shownBy(program), 4);
         QVERIFY(program.edit("2.5"));

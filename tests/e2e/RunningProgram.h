@@ -9,8 +9,8 @@
 
 using Cells = QVector<QPoint>; // column as x, row as y
 
-/// The installed program with settings of its own, operated by pointer and keys. WindowReport.cpp, preloaded into it,
-/// says where its widgets are. All positions are device pixels relative to the window without its frame.
+/// The installed program with a temporary settings folder, operated by pointer and keys. The preloaded WindowReport.cpp
+/// reports where its widgets are. All positions are device pixels relative to the window without its frame.
 class RunningProgram
 {
 public:
@@ -31,7 +31,7 @@ public:
 
     /// Returns WindowReport's answer to `question`.
     QVector<int> ask(const QByteArray &question);
-    /// Returns a place that WindowReport reports, once there is one.
+    /// Waits until WindowReport reports a place as the answer, and returns it.
     QRect place(const QByteArray &question);
     /// Returns the middle of a cell, counted from 0.
     QPoint cell(int row, int column);
@@ -45,7 +45,7 @@ public:
     QRect geometry() { return place("geometry"); }
     /// Returns the position of a point of the window on the screen.
     QPoint onScreen(QPoint point) { return (corner.isNull() ? geometry().topLeft() : corner) + point; }
-    /// Returns what the screen shows of the view.
+    /// Returns a picture of the view, taken from the screen.
     QImage view();
     /// Waits until `count` frames have been painted.
     bool paintsFrames(int count);

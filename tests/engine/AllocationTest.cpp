@@ -1,4 +1,4 @@
-// Counts the allocations of frames once the engine's lists have grown.
+// Counts the allocations during frames, once the engine's lists have grown.
 
 #include "engine/Pendrix3D.h"
 
@@ -96,7 +96,7 @@ private slots:
             pdx3.step = frame % 10 < 3 ? 6e-3F : 6e-5F; // shorter for a while
             pdx3.draw();
             pdx3.next();
-            // Access that is not const.
+            // Non-const access, which would detach a shared list.
             sum += pdx3.colors[0].red() + static_cast<int>(pdx3.points[0].x);
             for (const QColor &color : pdx3.colors) // clazy:exclude=range-loop-detach
                 sum += color.green();

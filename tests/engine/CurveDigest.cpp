@@ -1,5 +1,5 @@
-// Prints a digest for each of several lists of inputs, over every number that the engine and the colour functions
-// compute from it. Two builds that print the same have computed the same, bit for bit, except for the bits of NaNs.
+// Prints a digest of the results of the engine and the colour functions for each of several lists of inputs. If two
+// builds print the same digests, their results are equal bit for bit, except for the bits of NaNs.
 
 #include "color/ColorScale.h"
 #include "engine/Pendrix3D.h"

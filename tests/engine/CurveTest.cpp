@@ -1,4 +1,4 @@
-// The curve, bit for bit, against an independent computation.
+// Compares the engine's curves with an independent computation, bit for bit.
 
 #include "engine/Pendrix3D.h"
 
@@ -21,7 +21,7 @@ namespace {
 constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 
-/// Sets the sine method of the test's row.
+/// Selects the sine method of the current test row.
 void useMethod()
 {
     QFETCH(DampedSineMethod, method);
@@ -53,7 +53,7 @@ private slots:
         pdx3.set(0.0F, 1.0F, 0.0F, 0.25F, 0.0F, 0);
         const CurvePoint &first = pdx3.points.first();
         QVERIFY(first.x == static_cast<float>(std::sin(double(0.02F)) * double(1.0F - 6e-5F)));
-        QVERIFY(first.y == 1.0F - 6e-5F); // a quarter of a turn: a sine of 1 but for less than half an ulp
+        QVERIFY(first.y == 1.0F - 6e-5F); // a quarter of a turn: the sine differs from 1 by less than half an ulp
         QVERIFY(first.z == 0.0F);
         QCOMPARE(pdx3.points.size(), 16666);
         QCOMPARE(pdx3.colors.size(), 16666);

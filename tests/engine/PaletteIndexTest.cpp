@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Floats of every exponent with the mantissas that are hardest to round, and a sample of all floats.
+/// Returns floats of every exponent with the mantissas that are hardest to round, and a sample of all floats.
 std::vector<float> sampleFloats()
 {
     std::vector<float> values;
@@ -25,7 +25,7 @@ std::vector<float> sampleFloats()
     return values;
 }
 
-/// int(size * position) % size in double arithmetic, which is exact here. 0 where it is not defined.
+/// Returns int(size * position) % size, computed in double, which is exact here; 0 if the conversion is undefined.
 int expectedIndex(float position, int size)
 {
     volatile float scaled = float(size) * position;

@@ -62,7 +62,7 @@ QVector<OpenGLCall> drawCalls()
     return FakeOpenGL::calls();
 }
 
-/// The call that draws a colour with these 16-bit components.
+/// Returns the call that sets a colour with these 16-bit components.
 OpenGLCall colorCall(int red, int green, int blue, int alpha)
 {
     const auto part = [](int component) { return double(static_cast<float>(component / 65535.0)); };
@@ -236,7 +236,7 @@ private slots:
         // 2500 additions of 0.0004 in double, each rounded to float.
         QCOMPARE(currentRow(), Row({0x3FFFFBAC, 0x40000000, 0x4080015C, 0x3EEB851F, 0x3280D959, 0x3F800000}));
         QCOMPARE(snapshot(), currentRow());
-        // Of the sums in float, nothing would be left.
+        // In float, each sum would be rounded back to the old value.
         pdx3.set(-0.0004F, 1.0F, -0.0004F, 0.0F, 0.0F, 0);
         pdx3.next();
         QCOMPARE(currentRow().mid(0, 3), bitsOf({0x1.638866p-37F, 1.0F, 0x1.638866p-37F}));

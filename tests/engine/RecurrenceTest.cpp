@@ -1,4 +1,4 @@
-// Speculative recurrences against the same values computed serially, bit for bit.
+// Compares speculative recurrences with serial ones, bit for bit.
 
 #include "engine/Recurrence.h"
 
@@ -14,7 +14,7 @@ namespace {
 constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 
-/// Compares two calls of fillRecurrence, for `cut` and the rest of `count` values, with serial steps.
+/// Compares `count` values of fillRecurrence, computed in two calls (`cut` values and the rest), with serial steps.
 template <typename Next>
 bool isExact(float start, int count, int cut, Next next)
 {

@@ -1,4 +1,4 @@
-// Lines on an image.
+// Rendering of lines to an image.
 
 #include "export/LineImage.h"
 
@@ -47,7 +47,7 @@ private slots:
 
     void intersectingSegmentsHideEachOtherInPart()
     {
-        // Two lines at the same place of the image, one rising towards the eye, the other falling.
+        // Two lines at the same position in the image. One approaches the eye, the other recedes.
         const QImage image = imageOfLine({{0.0, 5.0, 0.1, red},
                                           {100.0, 5.0, 0.3, red},
                                           {100.0, 90.0, 0.3, red},
@@ -61,7 +61,7 @@ private slots:
 
     void pixelShowsCoveredShareOfLine()
     {
-        // Rows 1 and 2 are covered by a half.
+        // Rows 1 and 2 are half covered.
         const QImage horizontal =
             imageOfLine({{-5.0, 2.0, 0.2, red}, {25.0, 2.0, 0.2, red}}, 20, 4, 1.0, QColor(0, 0, 200));
         for (int x = 0; x < 20; ++x) {

@@ -24,10 +24,10 @@ struct Result
     QByteArray out;
     QByteArray errors;
 
-    /// Whether the program succeeded and printed nothing.
+    /// Returns whether the program succeeded and printed nothing.
     bool isSilentSuccess() const { return status == 0 && out.isEmpty() && errors.isEmpty(); }
 
-    /// Whether the program failed with `expected` and one line on standard error.
+    /// Returns whether the program exited with the status `expected` and one line on standard error.
     bool isFailure(int expected) const
     {
         const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 32 || c == 127; };
@@ -230,7 +230,7 @@ private slots:
             const Result result = run({option});
             QVERIFY(result.status == 0 && result.errors.isEmpty() && result.out.contains("pendrix3d-export"));
             for (const char *output : {"> /dev/full", ">&-", "| true"}) {
-                // The status of a pipeline would be its last program's.
+                // A pipeline would have the exit status of its last program.
                 const Result failed =
                     runShell(QString("{ sleep .02; \"$0\" %1; echo $? > status; } %2").arg(option, output));
                 QCOMPARE(contentOf(path("status")), QByteArray("1\n"));
@@ -315,7 +315,7 @@ private slots:
             QVERIFY(contentOf(path("a.csv")).startsWith("t,x"));
             QVERIFY(QFile::remove(path("a.csv")));
         }
-        // The message does not go to the file that would have the number of the stream.
+        // The error message must not go to a file that has the descriptor of the closed stream.
         QCOMPARE(runShell("\"$0\" --values=1,3e38,1,0,0,0 a.csv 2>&-").status, 1);
         QCOMPARE(files(), QStringList());
         QVERIFY(runShell("\"$0\" --rows=- a.csv <&-").isFailure(1));

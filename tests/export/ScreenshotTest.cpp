@@ -1,4 +1,4 @@
-// Exported pictures compared with the view's pictures of the same curve.
+// Compares exported images with the view's pictures of the same curve.
 
 #include "engine/Pendrix3D.h"
 #include "export/LineImage.h"
@@ -44,7 +44,7 @@ Page pageOf(const Turn &turn)
     return {pictureWidth, pictureHeight, 1.0, Qt::black, turn};
 }
 
-/// Returns the picture by the projection `projection`.
+/// Returns the image of `curve` in the projection `projection`.
 QImage drawn(const Curve &curve, const Projection &projection)
 {
     QVector<ImageVertex> vertices;

@@ -30,7 +30,7 @@ public:
         return found;
     }
 
-    /// Whether the next number has at most nine significant digits and the bits of `expected`.
+    /// Reads a number. Returns whether it has at most nine significant digits and the bits of `expected`.
     bool skipFloat(float expected)
     {
         const char *const start = at;
@@ -52,7 +52,7 @@ public:
         return read == expected && *start != ' ' && end > start;
     }
 
-    /// Whether the next fields are the coordinates of the engine's point `i` and the colour with which a view draws it.
+    /// Reads a vertex. Returns whether it has the coordinates of the engine's point `i` and the colour in a view.
     bool skipVertex(int i, const char *separator)
     {
         const CurvePoint &point = pdx3.points.at(i);
@@ -101,7 +101,8 @@ QByteArray plyDifference(const QByteArray &ply)
     return reader.atEnd() ? "" : "end of the PLY";
 }
 
-/// Lets the engine show `frames` frames of `row`. All but the last curve have a single point and colour, to save time.
+/// Advances the engine by `frames` frames of `row`. To save time, only the last curve has more than one point and
+/// colour.
 void showFrames(const QVector<float> &row, int frames)
 {
     pdx3.step = 1.0F;

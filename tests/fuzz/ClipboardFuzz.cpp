@@ -1,4 +1,4 @@
-// Pastes any bytes as the clipboard's text.
+// Pastes arbitrary bytes as the clipboard's text.
 
 #include "app/Clipboard.h"
 #include "engine/Pendrix3D.h"

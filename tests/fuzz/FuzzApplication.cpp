@@ -44,7 +44,7 @@ void startFuzzApplication()
     for (const char *variable : {"HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR"})
         qputenv(variable, folder);
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    qunsetenv("DISPLAY"); // the platform would use it for OpenGL
+    qunsetenv("DISPLAY"); // the offscreen platform would use it for OpenGL
     qputenv("QT_SCALE_FACTOR", "1");
 
     static int argc = 1;

@@ -1,4 +1,4 @@
-// Reads any bytes as the settings file, with the program's own window, and saves over them.
+// Loads arbitrary bytes as the settings file in the program's window, and saves the settings over them.
 
 #include "app/MainWindow.h"
 #include "engine/Pendrix3D.h"
@@ -80,7 +80,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         expect(contentOf(path) == content, "Loading changes nothing");
         show(window);
 
-        // A close and a start; a second window would take twice the time.
+        // Imitates a restart with the same window: a second one would take twice the time.
         pdx3.paramList[1][2] = 42.5F;
         const Rows rows = pdx3.paramList;
         window.saveSettings();

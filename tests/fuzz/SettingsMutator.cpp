@@ -1,4 +1,4 @@
-// Mutates a settings file: in half of the cases any bytes, else the unescaped bytes of one value.
+// Mutates a settings file: in half of the cases its bytes, otherwise the unescaped bytes of one value.
 
 #include <QByteArray>
 
@@ -38,7 +38,7 @@ bool isLetter(char character)
 QByteArray escaped(const QByteArray &bytes)
 {
     QByteArray text;
-    bool afterNumber = false; // which a digit would continue
+    bool afterNumber = false; // a hexadecimal digit would continue the escape
     for (const char byte : bytes) {
         const bool isPlain = isLetter(byte) && !(afterNumber && isHexDigit(byte));
         if (isPlain)

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Uses the running program, for scripts/memcheck.sh: rows, an edit, turns, another size, copy, paste, reset and the
+# Operates the running program, for scripts/memcheck.sh: rows, an edit, drags, another size, copy, paste, reset and the
 # about box. Fails if the rows, the boxes or the size are not as expected.
 set -euo pipefail
 
@@ -9,7 +9,7 @@ until_true() {
     ! "$@" || return 0
     sleep 0.25
   done
-  echo "use.sh: this never succeeded: $*" >&2
+  echo "use.sh: no success within a minute: $*" >&2
   return 1
 }
 
@@ -60,7 +60,7 @@ drag 3
 xdotool windowsize "$window" 900 700
 until_true other_size
 
-# Paste rows of another program.
+# Paste rows from another program.
 printf '%s\t2\t3\t0.25\t0.5\t4\n' {100..163} | xclip -selection clipboard -in
 xdotool key ctrl+v
 until_true copies_row 100

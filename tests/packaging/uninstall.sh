@@ -17,7 +17,7 @@ mkdir -p "$folder"
 cd "$folder"
 cmake -S "$source" -B build -DPENDRIX_BUILD_TESTS=OFF "$@" > log
 cp "${programs[@]}" build/
-ln -s /nonexistent/manifest "$manifest" # as little writable as the manifest of another user
+ln -s /nonexistent/manifest "$manifest" # cannot be written, like the manifest of another user
 
 DESTDIR=root cmake --install build --prefix /usr > log
 expect "the manifest lists the files with DESTDIR" diff <(sort "$manifest") <(files_of "$folder/root")

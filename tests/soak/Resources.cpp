@@ -24,7 +24,7 @@ qint64 numberIn(const QString &path, const QByteArray &key)
     qFatal("no %s in %s", key.constData(), qPrintable(path));
 }
 
-/// Returns the connection for measuring, separate from that of Qt: measuring must not change what is measured.
+/// Returns an X connection for measuring, separate from Qt's, whose resources are measured.
 Display *display()
 {
     static Display *const connection = XOpenDisplay(nullptr);

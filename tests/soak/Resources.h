@@ -11,7 +11,7 @@ using Resources = QMap<QString, qint64>;
 /// Measures this process. `window` is any of its windows, which identifies it to the X server.
 Resources measureResources(WId window);
 
-/// Returns what has grown from `first` to `last`, in words; nothing if nothing has.
+/// Returns a description of the resources that have grown from `first` to `last`; an empty text if none has.
 ///
 /// Allocated memory may grow by 512 kB: in 100,000 frames it varied between 24.0 and 24.6 MB. Resident memory may grow
 /// by 16 MB, because the allocator keeps freed memory; 10 MB were observed. Nothing else may grow.

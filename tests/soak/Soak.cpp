@@ -39,16 +39,16 @@ namespace {
 constexpr int patience = 60000; // ms, longest wait for an effect
 constexpr QSize usualSize(701, 605);
 
-/// Ends the test with a failure unless `holds`.
+/// Exits with a failure unless `holds`.
 void expect(bool holds, const char *what)
 {
     if (!holds) {
-        std::cout << "Soak: this does not hold: " << what << std::endl;
+        std::cout << "Soak: failed: " << what << std::endl;
         std::exit(1);
     }
 }
 
-/// Processes events until `holds`; ends the test with a failure after the longest wait.
+/// Processes events until `holds` returns true. Exits with a failure after the longest wait.
 void waitUntil(const char *what, const std::function<bool()> &holds)
 {
     QElapsedTimer clock;
@@ -115,7 +115,7 @@ public:
         resizeTo(usualSize);
         QCursor::setPos(window.mapToGlobal(ui.statusBar->geometry().center()));
         const int before = count.frames;
-        waitUntil("frames", [&] { return count.frames >= before + 20; });
+        waitUntil("frames are painted", [&] { return count.frames >= before + 20; });
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QGuiApplication::sync();
         expect(showsCurve(), "The view shows the curve");
@@ -141,7 +141,7 @@ private:
         {113, &User::openMenu},
         {149, &User::closeAndOpenDock},
         {211, &User::reset},
-        {251, &User::pasteOfOthers},
+        {251, &User::pasteFromOtherProgram},
         {307, &User::hideAndShow},
         {401, &User::readAbout},
     }};
@@ -151,7 +151,7 @@ private:
     void activate()
     {
         window.activateWindow(); // there is no window manager
-        waitUntil("the window to be active", [this] { return window.isActiveWindow(); });
+        waitUntil("the window is active", [this] { return window.isActiveWindow(); });
     }
 
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
@@ -169,7 +169,7 @@ private:
     QModelIndex clickCell()
     {
         QModelIndex cell;
-        waitUntil("a click on a cell", [&] {
+        waitUntil("a click selects a cell", [&] {
             const QRect area = ui.tableParams->viewport()->rect();
             cell = ui.tableParams->indexAt({chance(area.width()), chance(area.height())});
             if (!cell.isValid())
@@ -229,7 +229,7 @@ private:
     {
         const QPoint place = window.mapToGlobal(ui.statusBar->geometry().center());
         bool moved = false;
-        waitUntil("the clipboard", [&] {
+        waitUntil("a copy reaches the clipboard", [&] {
             moved = !moved;
             QCursor::setPos(place + QPoint(moved ? 3 : 0, 0));
             QGuiApplication::sync();
@@ -247,10 +247,10 @@ private:
         const QVector<QVector<float>> copied = pdx3.paramList;
         pdx3.paramList.fill(QVector<float>(Pendrix3D::rowLength, 1.0F));
         press(Qt::Key_V, Qt::ControlModifier);
-        expect(pdx3.paramList == copied, "A paste brings the rows back");
+        expect(pdx3.paramList == copied, "A paste restores the rows");
     }
 
-    void pasteOfOthers()
+    void pasteFromOtherProgram()
     {
         const auto first = static_cast<float>(chance(1000));
         QByteArray text;
@@ -264,8 +264,8 @@ private:
         xclip.closeWriteChannel();
         expect(xclip.waitForFinished(), "xclip reads the text"); // its child process offers it
         const QClipboard *const clipboard = QGuiApplication::clipboard();
-        waitUntil("another program's text", [&] { return !clipboard->ownsClipboard(); });
-        waitUntil("a paste", [&] {
+        waitUntil("the clipboard has another program's text", [&] { return !clipboard->ownsClipboard(); });
+        waitUntil("a paste reaches the rows", [&] {
             press(Qt::Key_V, Qt::ControlModifier);
             return pdx3.paramList.at(Pendrix3D::rowCount - 1).at(0) == first;
         });
@@ -274,7 +274,7 @@ private:
     void resizeTo(const QSize &size)
     {
         window.resize(size);
-        waitUntil("another size",
+        waitUntil("the window has another size",
                   [&] { return window.size() == size && window.windowHandle()->size() == size && isPainted(); });
     }
 
@@ -293,9 +293,9 @@ private:
         QMenu *const menu = chance(2) == 0 ? ui.menuFile : ui.menuEdit;
         const QRect title = ui.menuBar->actionGeometry(menu->menuAction());
         QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, ui.menuBar->mapTo(&window, title.center()));
-        waitUntil("a menu", [menu] { return menu->isVisible(); });
+        waitUntil("a menu opens", [menu] { return menu->isVisible(); });
         QTest::keyClick(menu->windowHandle(), Qt::Key_Escape);
-        waitUntil("a menu to go", [menu] { return !menu->isVisible(); });
+        waitUntil("a menu closes", [menu] { return !menu->isVisible(); });
         press(Qt::Key_Escape); // out of the menu bar
         activate();
     }
@@ -303,17 +303,17 @@ private:
     void closeAndOpenDock()
     {
         ui.dockParams->close();
-        waitUntil("the dock to go", [this] { return !ui.tableParams->isVisible() && isPainted(); });
+        waitUntil("the dock closes", [this] { return !ui.tableParams->isVisible() && isPainted(); });
         ui.dockParams->toggleViewAction()->trigger();
-        waitUntil("the dock", [this] { return ui.tableParams->isVisible() && isPainted(); });
+        waitUntil("the dock opens", [this] { return ui.tableParams->isVisible() && isPainted(); });
     }
 
     void hideAndShow()
     {
         window.hide();
-        waitUntil("the window to go", [this] { return !window.windowHandle()->isExposed(); });
+        waitUntil("the window is hidden", [this] { return !window.windowHandle()->isExposed(); });
         window.show();
-        waitUntil("the window", [this] { return window.windowHandle()->isExposed() && isPainted(); });
+        waitUntil("the window is shown", [this] { return window.windowHandle()->isExposed() && isPainted(); });
         activate();
     }
 
@@ -349,7 +349,7 @@ private:
         answerBox(ui.actionreset, {Qt::Key_Escape});
         expect(pdx3.paramList.at(0).at(0) == 99.0F, "Cancel resets nothing");
         answerBox(ui.actionreset, {Qt::Key_Left, Qt::Key_Return});
-        expect(pdx3.paramList == presetRows, "OK brings the presets back");
+        expect(pdx3.paramList == presetRows, "OK restores the presets");
     }
 
     void readAbout() { answerBox(ui.actionabout, {Qt::Key_Escape}); }
@@ -388,7 +388,7 @@ int main(int argc, char *argv[])
     if (!qEnvironmentVariableIsSet("LP_NUM_THREADS"))
         qputenv("LP_NUM_THREADS", "0");
     QApplication application(argc, argv);
-    // Qt caches pictures of the boxes' buttons, up to 10 MB, and keeps their names even after it drops them.
+    // Qt caches pictures of the boxes' buttons, up to 10 MB, and keeps their names even after it removes them.
     QPixmapCache::setCacheLimit(0);
     const QStringList arguments = QCoreApplication::arguments();
     const int frames = arguments.size() == 2 ? arguments.at(1).toInt() : sampleSize(200, 10000);

@@ -33,7 +33,8 @@ void setRecording(bool on);
 /// Called with the name and the arguments of a call, which are gone afterwards.
 using Watcher = void (*)(const char *name, const double *arguments, std::size_t count);
 
-/// Passes each call to `watcher` instead of recording it, for more calls than memory holds. Null ends that.
+/// Passes each call to `watcher` instead of recording it, for sequences that do not fit in memory. Null resumes
+/// recording.
 void setWatcher(Watcher watcher);
 
 /// Returns the first of the recorded calls that differs from `expected`, as text; empty if all are equal.

@@ -1,5 +1,5 @@
-// For builds with AddressSanitizer: keeps libraries loaded, so that a leak reported at exit names the library that it
-// comes from, and tests/lsan.supp can suppress it.
+// For builds with AddressSanitizer: keeps libraries loaded until the process exits. A leak report then contains the
+// name of the library, and tests/lsan.supp can suppress it.
 
 #include <dlfcn.h>
 

@@ -1,4 +1,4 @@
-// The preloaded OpenGLErrorCheck. Each case runs in a separate process because an error aborts it.
+// Tests the preloaded OpenGLErrorCheck. Each case runs in a separate process, which an error aborts.
 
 #include "tests/support/OffscreenOpenGL.h"
 

@@ -18,7 +18,7 @@ float fraction(float value)
     return rounded(std::fmod(double(value), 1.0));
 }
 
-/// Compares the fields that the last computed point is left in.
+/// Compares the engine's fields for the last computed point.
 QByteArray fieldDifference(const ReferencePoint &point)
 {
     if (!sameFloat(pdx3.t, point.time) || !sameFloat(pdx3.amplitude, point.amplitude))
@@ -80,7 +80,7 @@ std::vector<ReferencePoint> ReferenceCurve::points() const
             const float yy = sample.at[1] * sample.at[1];
             const float zz = sample.at[2] * sample.at[2];
             const float square = (xx + yy) + zz;
-            // The square root of a double that holds a float, rounded to float, is the float's own square root.
+            // The double square root of a float, rounded to float, equals the float square root.
             const float radius = rounded(std::sqrt(double(square)));
             position = (radius / radiusScale) * 1.5F;
         } else if (mode == 3) {

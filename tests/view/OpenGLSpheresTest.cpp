@@ -1,6 +1,6 @@
 // The spheres: exact calls.
 //
-// Vertices use the same libm as the code. Normals are those of calcNormal, whose results OpenGLTest fixes.
+// Expected vertices use the same libm as the code. Expected normals use calcNormal, which OpenGLTest checks.
 
 #include "view/OpenGL.h"
 

@@ -1,7 +1,7 @@
 // The drawing helpers other than the solids and spheres: exact calls and exact floats.
 //
-// Results of + - * / and square roots are literals. Where sin and cos take part the expectation uses the same libm,
-// because its last bit can differ between processors.
+// Results of + - * / and square roots are literals. Expectations with sin and cos use the same libm, because the last
+// bit of its results can differ between processors.
 
 #include "view/OpenGL.h"
 #include "view/Renderer.h"
@@ -49,7 +49,7 @@ float rounded(double value)
     return static_cast<float>(value);
 }
 
-/// Returns the 2 `n` floats of an ellipse, its point rotated by a step after the other.
+/// Returns the 2 `n` floats of an ellipse, computed by repeated rotation by one step.
 Floats ellipsePoints(float cx, float cy, float rx, float ry, int n)
 {
     const double step = 2.0 * M_PI / n;
@@ -84,7 +84,7 @@ private slots:
         COMPARE_CALLS({});
     }
 
-    void textPolygonTracesUnitSquare()
+    void textPolygonFollowsCircleInUnitSquare()
     {
         for (const int n : counts) {
             const float step = rounded(2.0 * M_PI / n);

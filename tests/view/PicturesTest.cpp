@@ -1,5 +1,5 @@
-// The drawing helpers and the view of the curve with the real OpenGL library: a small check that the calls, which the
-// other tests compare, draw what they should.
+// The drawing helpers and the view of the curve with the real OpenGL library: checks that the calls, which other tests
+// compare exactly, produce the expected pictures.
 
 #include "view/PendrixWidget.h"
 
@@ -18,7 +18,7 @@
 
 namespace {
 
-/// The view, which keeps its last frame.
+/// A view that keeps its last frame.
 class Probe : public PendrixWidget
 {
 public:
@@ -40,7 +40,7 @@ public:
     QImage frame;
 };
 
-/// Returns the smallest rectangle that holds every pixel that is not black.
+/// Returns the bounding box of the pixels that are not black.
 QRect litArea(const QImage &picture)
 {
     QRect area;
@@ -62,7 +62,7 @@ class PicturesTest : public QObject
 {
     Q_OBJECT
 
-    /// Shows `view` and waits for the paints that this causes; its timers are stopped.
+    /// Shows `view`, whose timers are stopped, and waits for the resulting paints.
     static void show(Probe &view, QSize size)
     {
         view.resize(size);
@@ -72,7 +72,7 @@ class PicturesTest : public QObject
         QTest::qWait(50);
     }
 
-    /// Lets `view` paint the curve of `row` once.
+    /// Paints the curve of `row` once in `view`.
     static void paint(Probe &view, const QVector<float> &row)
     {
         pdx3.set(row);
@@ -122,8 +122,8 @@ private slots:
 
     void curveFillsHalfOfHeightAtEveryPixelRatio()
     {
-        // The curve swings by 1 unit in x and y. From 5 units away, 45 degrees of view show 2 tan(22.5 degrees) 5
-        // units.
+        // The curve has an amplitude of 1 unit in x and y. At a distance of 5 units, a field of view of 45 degrees is
+        // 2 tan(22.5 degrees) 5 units high.
         Probe view;
         show(view, {420, 360});
         paint(view, {1.0F, 1.0F, 0.0F, 0.25F, 0.0F, 5.0F});
@@ -139,7 +139,7 @@ private slots:
 
     void decayingYDrawsBlueLineDownwards()
     {
-        // Nothing swings, and y decays from 1 to 0: a line from the centre downwards.
+        // The frequencies are 0, and y decays from 1 to 0: a line from the centre downwards.
         Probe view;
         show(view, {300, 300});
         paint(view, {0.0F, 0.0F, 0.0F, 0.25F, 0.0F, 5.0F});

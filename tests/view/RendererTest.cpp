@@ -69,7 +69,7 @@ public:
         QTest::qWait(50);                                                                                              \
     } while (false)
 
-/// Does the paints that are scheduled, at once.
+/// Performs the scheduled paints at once.
 void paintScheduled()
 {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest);
