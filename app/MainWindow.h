@@ -33,8 +33,8 @@ public:
 
     /// The form's objects. Owned.
     Ui_MainWindow *ui;
-    /// Null before loading, and if the settings file is not a regular file or cannot be read: then nothing is saved.
-    /// Dangling after saveSettings.
+    /// Null before loading, and if the settings file is not a regular file or cannot be read; saveSettings then saves
+    /// nothing. Dangling after saveSettings.
     QSettings *settings = nullptr;
 
 private slots:

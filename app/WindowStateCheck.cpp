@@ -20,7 +20,8 @@ QString hexOf(const QString &name)
 
 bool isUsableWindowState(const QByteArray &state)
 {
-    // A dock area of one dock: index, size, horizontal or vertical, 1, name, visible, position, sizes.
+    // A dock area with one dock, in hexadecimal: area and size; fc, orientation and the count 1; fb, the dock's name,
+    // its visibility, position and sizes.
     const auto dock = [](const char *area, const char *name, const char *visible) {
         return QStringLiteral("%1.{16}fc0[12]00000001fb%2%3.{32}").arg(area, hexOf(name), visible);
     };

@@ -63,7 +63,8 @@ public:
         }
         if (isPoint || dy == 0.0)
             return span;
-        // Intersections with the two long sides. The short sides are inside the round ends.
+        // Intersections with the two long sides, which are the segment moved by `side` times (-dy, dx). The short sides
+        // are inside the round ends.
         const double perUnit = radius / std::sqrt(squaredLength);
         for (const double side : {perUnit, -perUnit}) {
             const double along = (y - (a.y + dx * side)) / dy;

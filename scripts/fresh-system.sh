@@ -2,8 +2,8 @@
 # Tests ./run.sh --screenshot and ./test.sh of the current commit in a bare Debian system. Reports their times and the
 # number of tests; fails on any warning. Requires root and debootstrap, and downloads several hundred MB.
 #   scripts/fresh-system.sh [--base FOLDER] [--allow-expired] [SUITE]
-# SUITE is bookworm (the default), trixie, sid, or bullseye, whose CMake is too old: there the commands must report that
-# without installing anything, and a build without presets must succeed.
+# SUITE is bookworm (the default), trixie, sid, or bullseye. The CMake of bullseye is too old for the presets: the
+# commands must report that without installing anything, and a build without presets must succeed.
 # --base keeps the bare system in FOLDER for the next run. --allow-expired accepts an archive that is no longer updated,
 # such as a snapshot of unstable.
 set -euo pipefail

@@ -119,7 +119,7 @@ class ColorScaleTest : public QObject
     float randomBetween(float low, float high) { return std::uniform_real_distribution<float>(low, high)(random); }
 
 private slots:
-    void knownBlends()
+    void blendsKnownColors()
     {
         COMPARE_COLORS(ColorScaleRGB(0x000000, 0xFFFFFF, 0.5F), 0x808080U);
         COMPARE_COLORS(ColorScaleHSL(0x000000, 0xFFFFFF, 0.5F), 0x7F7F7FU);
@@ -180,7 +180,7 @@ private slots:
         }
     }
 
-    void knownConversions()
+    void convertsKnownColors()
     {
         QVERIFY(converted(0xFFFFFF) == (Triple{0.0, 1.0, 0.0}));
         QVERIFY(converted(0x0000FF) == (Triple{2.0 / 3.0, 0.5, 1.0}));

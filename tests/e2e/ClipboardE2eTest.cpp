@@ -1,4 +1,4 @@
-// Copy and paste, with a spreadsheet on the other side.
+// Copy and paste between the program and a spreadsheet.
 
 #include "tests/e2e/Rows.h"
 

@@ -46,7 +46,7 @@ int RunningProgram::exitCode()
     QByteArray messages;
     const QList<QByteArray> lines = (process.readAllStandardError() + process.readAllStandardOutput()).split('\n');
     for (const QByteArray &line : lines) {
-        // Qt's own message: the window manager reports where a box is when the box is already closed.
+        // Qt prints this if the window manager reports the position of a box that is already closed.
         if (!line.startsWith("qt.qpa.xcb: QXcbConnection: XCB error: 3 (BadWindow)") ||
             !line.contains("(TranslateCoords)"))
             messages += line;

@@ -62,14 +62,14 @@ public:
     /// Types `text`, which opens an editor unless one is open, presses `key`, and waits until the editor is closed.
     bool edit(const QString &text, const QString &key = "Return");
 
-    /// Presses Ctrl+C; returns the clipboard's text, nothing if the program does not put any there.
+    /// Presses Ctrl+C; returns the clipboard's text, or nothing if the program does not set it.
     static QByteArray copy();
     /// Puts `text` on the clipboard, presses Ctrl+V, and waits until the program reads it.
     static void paste(const QByteArray &text);
 
     /// Its settings folder, empty at first.
     QTemporaryDir settings;
-    /// The window's corner on the screen, where the program does not know it: under Wayland.
+    /// The position of the window on the screen if the program does not know it, as under Wayland.
     QPoint corner;
 
 private:

@@ -1,7 +1,7 @@
-// Preloaded into the program by the end-to-end tests: reports where things are in its windows.
+// Preloaded into the program by the end-to-end tests: reports the positions and states of its widgets.
 //
-// Reads one question per line from standard input and writes one line of numbers to standard output; an empty line
-// means that there is no such thing. Places are x, y, width and height in device pixels, relative to the window.
+// Reads one question per line from standard input and writes one line of numbers to standard output; an empty line if
+// the object does not exist. Places are x, y, width and height in device pixels, relative to the window.
 //
 //   view, table, close-button   place of the curve, of the table, of the close button of the table's dock
 //   cell ROW COLUMN             place of a cell, counted from 0

@@ -46,9 +46,9 @@ private slots:
         pdx3.set(0);
     }
 
-    void curveOfFirstPresetAfterConstruction() { VERIFY_CURVE(); } // first, before any other curve
+    void curveMatchesReferenceAfterConstruction() { VERIFY_CURVE(); } // first, before any other curve
 
-    void firstPointInClosedForm()
+    void firstPointEqualsClosedForm()
     {
         pdx3.set(0.0F, 1.0F, 0.0F, 0.25F, 0.0F, 0);
         const CurvePoint &first = pdx3.points.first();
@@ -60,7 +60,7 @@ private slots:
         QVERIFY(std::abs(pdx3.amplitude) < 1e-3F);
     }
 
-    void colorsInClosedForm()
+    void colorsEqualClosedForm()
     {
         const auto isEntry = [](int index) {
             return [index](const QColor &color) { return color == QColor(pdx3.palette[index]); };
@@ -79,8 +79,8 @@ private slots:
         QCOMPARE(qRgb(pdx3.red, pdx3.green, pdx3.blue), qRgb(0, 0, 255));
     }
 
-    void presetsInEveryMode_data() { addDampedSineMethods(); }
-    void presetsInEveryMode()
+    void presetsMatchReferenceInEveryMode_data() { addDampedSineMethods(); }
+    void presetsMatchReferenceInEveryMode()
     {
         useMethod();
         for (int preset = 0; preset < 12; ++preset) {
@@ -109,8 +109,8 @@ private slots:
         QCOMPARE(bitsOf(pdx3.points.first().z), bitsOf(0.0F)); // 0 + -0
     }
 
-    void everyNumberOfPoints_data() { addDampedSineMethods(); }
-    void everyNumberOfPoints()
+    void everyNumberOfPointsMatchesReference_data() { addDampedSineMethods(); }
+    void everyNumberOfPointsMatchesReference()
     {
         useMethod();
         for (int count = 1; count < 600; ++count) {
@@ -147,7 +147,7 @@ private slots:
         QVERIFY(pdx3.points.isEmpty() && pdx3.colors.isEmpty());
     }
 
-    void otherAmplitudesAndSteps()
+    void otherAmplitudesAndStepsMatchReference()
     {
         for (const float total : {1.0F, 0.5F, 3.7F, 1e-3F, 1e-40F, 250.0F, 0.0F, -1.0F}) {
             for (const float step : {1e-3F, 0.37F, 0.1F, 5.0F, -6e-3F}) {
@@ -164,7 +164,7 @@ private slots:
         }
     }
 
-    void otherRadiusScales()
+    void otherRadiusScalesMatchReference()
     {
         pdx3.step = 1e-3F;
         for (const float scale : {0.5F, 2.0F, 0.01F, 1e-30F, 1e-38F, 0.0F, -1.0F, infinity, notANumber}) {
@@ -175,7 +175,7 @@ private slots:
         }
     }
 
-    void otherPalettesAndPeriods()
+    void otherPalettesAndPeriodsMatchReference()
     {
         std::mt19937 random(29);
         for (int k = 0; k < 100; ++k) {
@@ -189,7 +189,7 @@ private slots:
         }
     }
 
-    void specialValuesInEveryColumn()
+    void specialValuesMatchReferenceInEveryColumn()
     {
         pdx3.step = 1e-3F;
         for (const float value : {notANumber, infinity, -infinity, 1e38F, -1e38F, 3.4028235e38F, 1e-45F, -1e-45F,
@@ -207,8 +207,8 @@ private slots:
         }
     }
 
-    void animation_data() { addDampedSineMethods(); }
-    void animation()
+    void animationMatchesReference_data() { addDampedSineMethods(); }
+    void animationMatchesReference()
     {
         useMethod();
         for (int frame = 0; frame < sampleSize(50, 1000); ++frame) {
@@ -219,7 +219,7 @@ private slots:
         }
     }
 
-    void animationWithOtherSteps()
+    void animationWithOtherStepsMatchesReference()
     {
         pdx3.set(4);
         for (const double step : {1.0, -0.3, 1e-9, 1e30, -1e30, 1e300}) {
@@ -228,8 +228,8 @@ private slots:
         }
     }
 
-    void randomBits_data() { addDampedSineMethods(); }
-    void randomBits()
+    void randomRowsMatchReference_data() { addDampedSineMethods(); }
+    void randomRowsMatchReference()
     {
         useMethod();
         std::mt19937 random(23);

@@ -95,7 +95,7 @@ private slots:
         QVERIFY(found);
     }
 
-    void fieldsAfterConstruction()
+    void constructionSetsFields()
     {
         QCOMPARE(pdx3.header, QStringList({"freq1", "freq2", "freq3", "phase1", "phase2", "color"}));
         QCOMPARE(bitsOf(pdx3.blankRow), Row(6, 0));
@@ -117,7 +117,7 @@ private slots:
         }
     }
 
-    void paletteAfterConstruction()
+    void constructionFillsPalette()
     {
         QCOMPARE(pdx3.palette[0], 0x0000FFU);
         QCOMPARE(pdx3.palette[1], 0x0001FFU);
@@ -236,7 +236,7 @@ private slots:
         // 2500 additions of 0.0004 in double, each rounded to float.
         QCOMPARE(currentRow(), Row({0x3FFFFBAC, 0x40000000, 0x4080015C, 0x3EEB851F, 0x3280D959, 0x3F800000}));
         QCOMPARE(snapshot(), currentRow());
-        // In float, each sum would be rounded back to the old value.
+        // Computed in float, these sums would be 0.
         pdx3.set(-0.0004F, 1.0F, -0.0004F, 0.0F, 0.0F, 0);
         pdx3.next();
         QCOMPARE(currentRow().mid(0, 3), bitsOf({0x1.638866p-37F, 1.0F, 0x1.638866p-37F}));
@@ -247,7 +247,7 @@ private slots:
         QCOMPARE(currentRow(), expectedPresets().at(0));
     }
 
-    void setRandomDrawsSixNumbers()
+    void setRandomCallsRandSixTimes()
     {
         pdx3.set(7);
         const auto rows = pdx3.paramList;

@@ -45,7 +45,7 @@ private slots:
         QVERIFY(sameBits(notANumber, notANumber));
     }
 
-    void everyCount()
+    void everyCountMatchesSerialSteps()
     {
         for (int count = 0; count < 300; ++count)
             QVERIFY(isExact(0.5F, count, count / 3, [](float value) { return value + 0.001F; }));
@@ -54,13 +54,13 @@ private slots:
         QCOMPARE(untouched, 3.0F);
     }
 
-    void timesAndAmplitudes()
+    void timesAndAmplitudesMatchSerialSteps()
     {
         QVERIFY(isExact(0.0F, 50000, 777, [](float t) { return static_cast<float>(double(t) + 0.02); }));
         QVERIFY(isExact(1.0F, 50000, 0, [](float a) { return a - 6e-5F; })); // past zero
     }
 
-    void randomSums()
+    void randomSumsMatchSerialSteps()
     {
         std::mt19937 random(3);
         std::uniform_int_distribution<int> exponent(-30, 30);
@@ -74,7 +74,7 @@ private slots:
         }
     }
 
-    void specialStartsAndSteps()
+    void specialStartsAndStepsMatchSerialSteps()
     {
         const std::vector<float> values = {0.0F,   -0.0F,    1e-45F,    -1e-45F,    1e-38F,  1e38F,
                                            -1e38F, infinity, -infinity, notANumber, 3.4e38F, 1.0F};

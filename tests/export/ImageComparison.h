@@ -10,7 +10,7 @@
 struct ImageComparison
 {
     double correlation;   ///< of the means of boxes of 6 by 6 pixels, over all channels
-    double differingPart; ///< of the pixels whose box of 5 by 5 differs by more than a quarter in a channel
+    double differingPart; ///< part of the pixels whose box of 5 by 5 differs by more than a quarter in a channel
 
     bool isAlike() const { return correlation >= 0.95 && differingPart <= 0.02; }
 };

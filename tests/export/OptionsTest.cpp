@@ -24,7 +24,7 @@ class OptionsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void hasDefaults()
+    void missingOptionsHaveDefaults()
     {
         const Options options = parse({"curve.png"});
         QCOMPARE(options.file, QString("curve.png"));

@@ -1,4 +1,4 @@
-// SVG and PDF: the projection, the paths and, if the programs are installed, what rsvg-convert and pdftoppm draw.
+// SVG and PDF: the projection, the paths and, if rsvg-convert and pdftoppm are installed, the rendered pictures.
 
 #include "engine/Pendrix3D.h"
 #include "export/Writers.h"

@@ -1,4 +1,4 @@
-// Soak test: uses the window for many frames and fails if any resource of the process grows: Soak [FRAMES]
+// Soak test: operates the window for many frames and fails if a resource of the process grows: Soak [FRAMES]
 //
 // Shows the real window on an X display, lets its frame timer run without a pause and repeats what users do: rows by
 // mouse and keys, edits, drags, copies, pastes, resets, boxes and menus, other sizes, the dock closed and opened, the

@@ -1,1 +1,1 @@
-// Empty: for targets that consist of what they link or precompile.
+// Intentionally empty: the source file of targets that only link libraries or precompile headers.

@@ -30,7 +30,7 @@ void clear();
 /// Switches recording on, as at the start, or off.
 void setRecording(bool on);
 
-/// Called with the name and the arguments of a call, which are gone afterwards.
+/// Called with the name and the arguments of a call, which are valid only during the call.
 using Watcher = void (*)(const char *name, const double *arguments, std::size_t count);
 
 /// Passes each call to `watcher` instead of recording it, for sequences that do not fit in memory. Null resumes

@@ -54,7 +54,7 @@ void *libraryFunction(const char *name)
     return function;
 }
 
-/// Aborts if the context has an error; `when` and `name` say at which call.
+/// Aborts if the context has an error. Reports it as an error `when` (before, in) the call `name`.
 void check(const char *when, const char *name)
 {
     static const auto getError = reinterpret_cast<decltype(&glGetError)>(libraryFunction("glGetError"));

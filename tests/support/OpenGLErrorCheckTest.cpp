@@ -86,8 +86,8 @@ private slots:
         process.start(QCoreApplication::applicationFilePath(), {"--calls", "none"});
         QVERIFY(process.waitForFinished());
         QVERIFY(report.open(QIODevice::ReadOnly));
-        // glViewport and glClear of OffscreenOpenGL, glEnable, and five for the triangle, of which only the checks
-        // before glBegin and after glEnd are allowed.
+        // Calls: glViewport and glClear of OffscreenOpenGL, glEnable, and five for the triangle. Between glBegin and
+        // glEnd no check is allowed.
         QCOMPARE(report.readAll(), QByteArray("8 calls, 8 checks\n"));
     }
 };

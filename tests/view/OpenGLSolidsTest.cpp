@@ -201,7 +201,7 @@ private slots:
         }
     }
 
-    void colorsOfEveryKind()
+    void acceptsColorsOfEveryKind()
     {
         std::array<QColor, 4> colors = {QColor::fromHsv(120, 255, 255), QColor(), QColor::fromCmyk(0, 255, 255, 0),
                                         QColor::fromRgba64(0x8000, 1, 0xFFFE)};
@@ -257,7 +257,7 @@ private slots:
         COMPARE_CALLS(texturedCubeFaces(drawn));
     }
 
-    void cubesOfFaces()
+    void cubesDrawTheirFaces()
     {
         gl.drawScene();
         COMPARE_CALLS(texturedCubeFaces({1, 2, 5}));
@@ -266,7 +266,7 @@ private slots:
         COMPARE_CALLS(texturedCubeFaces({0, 1, 2, 3, 4, 5}));
     }
 
-    void dodecahedronFaces()
+    void dodecahedronSolidDrawsAllFaces()
     {
         Calls all;
         for (int face = 0; face < 12; ++face) {

@@ -108,7 +108,7 @@ class RendererTest : public QObject
 private slots:
     void init() { FakeOpenGL::clear(); }
 
-    void constructs()
+    void constructionSetsDefaults()
     {
         const Probe view;
         QCOMPARE(view.spinAngle, 0.0F);
