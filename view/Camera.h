@@ -19,11 +19,11 @@ constexpr double farPlane = 1000.0;
 /// Half the height of the near plane, tan 22.5 degrees: a vertical field of view of 45 degrees.
 constexpr double nearHalfHeight = 0.4142135623730951;
 
-/// Translation of the scene along z, in scene units: of a view that sets none, and of the view of the curve.
+/// Translation of the scene along z, in scene units: the default of a view, and the value of the curve's view.
 constexpr float defaultDistance = -6.0F;
 constexpr float curveDistance = -5.0F;
 
-/// A full turn, and a unit of it in degrees.
+/// A full turn in units of 1/16 degree, and the unit in degrees.
 constexpr int fullTurn = 5760;
 constexpr float degreesPerUnit = 0.0625F;
 

@@ -127,8 +127,8 @@ public:
     /// x = j `size` / `cols` and y = i `size` / `rows`, so that no point lies on the far edges at `size`.
     float *grid(int rows, int cols, float size);
 
-    /// Shuffles the `n` ints of `a` with the C library's `rand`: for m = `n` down to 2, swaps element `rand() % m` with
-    /// element m - 1. Does nothing for an `n` below 2.
+    /// Shuffles the `n` ints of `a` with std::rand: for m = `n` down to 2, swaps element `rand() % m` with element
+    /// m - 1. Does nothing for an `n` below 2.
     void shuffle(int *a, int n);
 
     /// Draws a circle of radius 1 of `n` points as a line loop parallel to the plane z = 0, about `centre` (three

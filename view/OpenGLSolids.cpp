@@ -112,7 +112,7 @@ constexpr std::array<Pentagon, 12> dodecahedronFaces = {{
     {14, 15, 18, 19, 17},
 }};
 
-/// textPolygon(5): the texture coordinates of a face's vertices.
+/// The texture coordinates of a face's vertices, the results of textPolygon(5).
 constexpr std::array<TexturePoint, 5> pentagonTexture = {{
     {0.5F, 0.0F},
     {0.97552824F, 0.34549147F},

@@ -6,7 +6,7 @@ class TurningTest : public QObject
 {
     Q_OBJECT
 
-    /// Looks different after a turn about any axis, in both directions, once it is turned half way to the eye.
+    /// A cone. Rotated half way towards the eye, it looks different after a turn about any axis in either direction.
     const Row row = cone(0.05F);
     static constexpr float halfWay = 45.0F;
 

@@ -12,8 +12,8 @@ class WaylandTest : public QObject
     QProcess compositor;
     RunningProgram program;
 
-    /// The compositor leaves room for the pointer beside it: if the pointer is in the window when the window opens, the
-    /// compositor may report it in the upper left corner for the rest of the session.
+    /// Returns a size that leaves room for the pointer beside the compositor's window. If the pointer is in that window
+    /// when it opens, the compositor may report it in the upper left corner for the rest of the session.
     static QSize compositorSize() { return QGuiApplication::primaryScreen()->size() - QSize(8, 8); }
 
     void start()

@@ -28,7 +28,7 @@ Row bitsOf(const QVector<float> &row)
     return bits;
 }
 
-/// The presets in the bits of their floats.
+/// Returns the bits of the presets.
 QVector<Row> expectedPresets()
 {
     constexpr quint32 m3 = 0xC0400000, m1 = 0xBF800000, n0 = 0, n1 = 0x3F800000, n2 = 0x40000000, n3 = 0x40400000,
@@ -44,12 +44,13 @@ QVector<Row> expectedPresets()
     };
 }
 
-/// The current parameters and the snapshot of the last pass: both in row order, the mode as a float.
+/// Returns the bits of the current parameters in row order, with the mode as a float.
 Row currentRow()
 {
     return bitsOf({pdx3.freq1, pdx3.freq2, pdx3.freq3, pdx3.phase1, pdx3.phase2, static_cast<float>(pdx3.colorMode)});
 }
 
+/// Returns the bits of the engine's copy of the parameters, which setParams makes.
 Row snapshot()
 {
     return bitsOf(QVector<float>(pdx3.getParams(), pdx3.getParams() + 6));

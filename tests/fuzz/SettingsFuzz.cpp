@@ -46,7 +46,7 @@ QByteArray contentOf(const QString &path)
     return file.readAll();
 }
 
-/// Lays the window out as on a screen.
+/// Shows `window` off-screen, so that it is laid out. Checks its size and the visibility of the curve.
 void show(MainWindow &window)
 {
     delete window.ui->pdx3; // the platform has no OpenGL

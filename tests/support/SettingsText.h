@@ -55,8 +55,8 @@ inline Rows markedRows(int seed)
     return rows;
 }
 
-/// The folder that QSettings uses from now on. In memory where possible, so that fsync does not wait for a disk. Each
-/// file needs a new one: Qt caches the content of settings files by path.
+/// A temporary folder that QSettings uses once it is constructed. In memory where possible, so that fsync does not wait
+/// for a disk. Use a new folder for each file: Qt caches the content of settings files by path.
 class SettingsFolder
 {
 public:
