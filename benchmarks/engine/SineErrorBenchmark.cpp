@@ -123,7 +123,7 @@ void reportFallbacks(const std::vector<Set> &sets, int framesOfPreset)
 int main(int argc, char *argv[])
 {
     if (std::numeric_limits<long double>::digits < 64) {
-        std::fputs("SineErrorBenchmark: no reference: long double has less than 64 bits\n", stderr);
+        (void)std::fputs("SineErrorBenchmark: no reference: long double has less than 64 bits\n", stderr);
         return EXIT_FAILURE;
     }
     const long every = argc > 1 ? std::strtol(argv[1], nullptr, 10) : 1;
