@@ -42,7 +42,7 @@ QByteArray pasteElsewhere(const QByteArray &selection)
 }
 
 /// Moves the pointer over a window. The X server gives the clipboard to a program only if its last input event is newer
-/// than that of the present owner.
+/// than the one of the present owner.
 void receiveInputEvent()
 {
     QWidget window;

@@ -193,7 +193,7 @@ private slots:
         const QSettings::SettingsMap values = {{"paramList", QVariant::fromValue(rows)},
                                                {"colsWidth", QVariant::fromValue(QVector<int>{1, -1, 41})},
                                                {"geometry", allBytes},
-                                               {"windowState", QByteArray("plain \x0B\x0C")}};
+                                               {"windowState", QByteArray("plain; \x0B\x0C")}};
         const SettingsFolder folder;
         {
             const auto settings = openSettings();

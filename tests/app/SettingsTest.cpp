@@ -48,7 +48,7 @@ class SettingsTest : public QObject
     Rows presetRows;
     static inline int messages = 0;
 
-    /// Returns a window that starts with `text` as its settings file, in a folder of its own.
+    /// Returns a window that starts with `text` as its settings file, in a new folder.
     std::unique_ptr<MainWindow> windowWith(const QByteArray &text)
     {
         folder = std::make_unique<SettingsFolder>();
@@ -228,14 +228,10 @@ private slots:
             geometry.current = current;
             QTest::newRow(name) << geometry.bytes() << expected;
         };
-        const QRect rects[] = {
-            {100, 120, 300, 200},  {0, 20, 300, 200}, // at the top, without a frame
-            {-260, 120, 301, 200},                    // 40 pixels at the left edge
-            {1239, 120, 300, 200},                    // 41 pixels at the right edge
-            {100, 1023, 300, 200},                    // title bar at the bottom
-        };
-        for (const QRect &rect : rects)
-            row("on screen", rect, rect);
+        row("at the top, without a frame", {0, 20, 300, 200}, {0, 20, 300, 200});
+        row("40 pixels at the left edge", {-260, 120, 301, 200}, {-260, 120, 301, 200});
+        row("41 pixels at the right edge", {1239, 120, 300, 200}, {1239, 120, 300, 200});
+        row("title bar at the bottom", {100, 1023, 300, 200}, {100, 1023, 300, 200});
         row("half a title bar at the bottom", {100, 1033, 300, 200}, {100, 824, 300, 200}); // Qt moves it
         row("larger than screen", {10, 30, 100000, 5000}, {10, 30, 1280, 1024});
         row("39 pixels at the left edge", {-260, 120, 300, 200}, {});
@@ -251,8 +247,7 @@ private slots:
 
         const Geometry good;
         QTest::newRow("truncated") << good.bytes().chopped(1) << QRect();
-        QTest::newRow("of Qt 5.3, without the last rectangle")
-            << good.bytes().replace(4, 2, QByteArray("\0\2", 2)).left(50) << good.normal;
+        QTest::newRow("of Qt 5.3") << good.bytes().replace(4, 2, QByteArray("\0\2", 2)).left(50) << good.normal;
         Geometry geometry;
         geometry.frame = QRect(5, 5, -1, 7);
         QTest::newRow("invalid frame") << geometry.bytes() << QRect();
