@@ -10,6 +10,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTextDocument>
 #include <QTimer>
 
 #include <functional>
@@ -128,6 +129,7 @@ private slots:
                  "color: #ff0000; text-align: center",
                  "color: #008000; font-family: verdana; font-size: 11pt; text-align: center",
                  "<table border=\"1\" width=\"511\"",
+                 // NOLINTNEXTLINE(bugprone-suspicious-missing-comma)
                  "Define frequency parameters for x,y,z (ffre1,fre2,fre3) and phase1, phase2, color format or select "
                  "from preset list, once modified parameters are saved, copy/paste from a spreadsheet in a 64 row x 6 "
                  "column format. </p>",

@@ -86,7 +86,7 @@ FakeSessionManager::~FakeSessionManager()
 QByteArray FakeSessionManager::address() const
 {
     char *ids = IceComposeNetworkIdList(listenerCount, listeners);
-    const QByteArray copy(ids);
+    QByteArray copy(ids);
     std::free(ids);
     return copy;
 }

@@ -47,7 +47,7 @@ bool fails(File file)
         return false;
     const bool isFaulty = currentFault != Fault::FullDisk && calls++ == faultyCall;
     if (isFaulty && (currentFault == Fault::Kill || currentFault == Fault::KillHalfway))
-        raise(SIGKILL);
+        static_cast<void>(raise(SIGKILL));
     errno = faultError;
     return isFaulty && currentFault == Fault::Fail;
 }
@@ -64,6 +64,8 @@ int FileFaults::inject(Fault fault, int call, int error, const QByteArray &folde
     return std::exchange(calls, 0);
 }
 
+// libc reserves the names of its parameters.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 extern "C" int open64(const char *path, int flags, ...)
 {
     va_list arguments;
@@ -118,3 +120,4 @@ extern "C" int rename(const char *from, const char *to) noexcept
 {
     return fails(to) ? -1 : original(&rename, "rename")(from, to);
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)

@@ -164,7 +164,7 @@ private slots:
     void unreadableFileAndReadOnlyFolderAreKept()
     {
         const QByteArray text = FilledFolder().oldText;
-        for (const mode_t mode : {0000, 0444}) {
+        for (const mode_t mode : {0000U, 0444U}) {
             const SettingsFolder folder;
             QVERIFY(folder.write(text) && chmod(encodedPath(folder), mode) == 0);
             QVERIFY(chmod(encodedPath(folder, ""), 0755) == 0 && chmod(encodedPath(folder, "quillmoss"), 0555) == 0);
@@ -209,7 +209,7 @@ private slots:
 
     void saveKeepsModeAndDetachesHardLink()
     {
-        for (const mode_t mode : {0600, 0644, 0640}) {
+        for (const mode_t mode : {0600U, 0644U, 0640U}) {
             const FilledFolder folder;
             const QByteArray text = folder.oldText + variantLine("geometry", streamed(9U) + streamed(0x7FFFFFFFU));
             QVERIFY(folder.write(text) && chmod(encodedPath(folder), mode) == 0);

@@ -46,7 +46,9 @@ QByteArray plainText(const QSettings::SettingsMap &values)
 /// Returns the line of markedRows(7) as a save writes it.
 QByteArray savedLine()
 {
-    return plainText({{"paramList", QVariant::fromValue(markedRows(7))}}).mid(qstrlen("[General]\n")).trimmed();
+    return plainText({{"paramList", QVariant::fromValue(markedRows(7))}})
+        .mid(QByteArray("[General]\n").size())
+        .trimmed();
 }
 
 } // namespace

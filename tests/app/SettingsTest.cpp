@@ -65,7 +65,7 @@ private slots:
         pdx3.paramList = presetRows;
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &message) {
             ++messages;
-            std::fputs(qPrintable(message + '\n'), stderr);
+            (void)std::fputs(qPrintable(message + '\n'), stderr);
         });
     }
 

@@ -336,7 +336,7 @@ private slots:
         pdx3.set(0);
         const QVector<QColor> colors = pdx3.colors;
         const QVector<CurvePoint> points = pdx3.points;
-        const QColor color = colors.at(5);
+        const QColor &color = colors.at(5);
         const quint32 x = ::bitsOf(points.at(5).x);
         pdx3.set(1);
         QCOMPARE(colors.at(5), color);

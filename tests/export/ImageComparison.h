@@ -21,7 +21,7 @@ class ChannelSums
 public:
     ChannelSums(const QImage &image, int channel) : stride(image.width() + 1)
     {
-        sums.resize(static_cast<std::size_t>(stride * (image.height() + 1)));
+        sums.resize(static_cast<std::size_t>(stride) * static_cast<std::size_t>(image.height() + 1));
         for (int y = 0; y < image.height(); ++y) {
             const auto *const line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
             for (int x = 0; x < image.width(); ++x) {
@@ -38,7 +38,10 @@ public:
     }
 
 private:
-    int &at(int x, int y) { return sums[static_cast<std::size_t>(y * stride + x)]; }
+    int &at(int x, int y)
+    {
+        return sums[static_cast<std::size_t>(y) * static_cast<std::size_t>(stride) + static_cast<std::size_t>(x)];
+    }
 
     int stride;
     std::vector<int> sums;
@@ -70,7 +73,8 @@ inline ImageComparison compareImages(const QImage &first, const QImage &second)
         for (int y = 0; y + 5 <= a.height(); ++y) {
             for (int x = 0; x + 5 <= a.width(); ++x) {
                 if (std::abs(sumsA.mean(x, y, 5) - sumsB.mean(x, y, 5)) > 255.0 / 4)
-                    differs[static_cast<std::size_t>(y * a.width() + x)] = true;
+                    differs[static_cast<std::size_t>(y) * static_cast<std::size_t>(a.width()) +
+                            static_cast<std::size_t>(x)] = true;
             }
         }
     }

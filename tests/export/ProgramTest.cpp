@@ -336,7 +336,8 @@ private slots:
     {
         const QDir corpus(PENDRIX_CORPUS "/clipboard");
         int exported = 0;
-        for (const QFileInfo &file : corpus.entryInfoList(QDir::Files)) {
+        const QFileInfoList files = corpus.entryInfoList(QDir::Files);
+        for (const QFileInfo &file : files) {
             for (int row = 1; row <= 64; row += sampleSize(32, 1)) {
                 const Result result = run({"--rows", file.filePath(), QString("--row=%1").arg(row), "a.csv"});
                 QVERIFY2(result.isSilentSuccess() || result.isFailure(1), qPrintable(file.fileName()) + result.errors);
@@ -366,7 +367,8 @@ private slots:
         const QDir corpus(PENDRIX_CORPUS "/settings");
         environment.insert("XDG_CONFIG_HOME", path("settings"));
         const QString settings = path("settings/quillmoss/pdx3.conf");
-        for (const QFileInfo &file : corpus.entryInfoList(QDir::Files)) {
+        const QFileInfoList files = corpus.entryInfoList(QDir::Files);
+        for (const QFileInfo &file : files) {
             const QByteArray content = contentOf(file.filePath());
             save(settings, content);
             const Result result = run({"--row=1", "a.csv"});

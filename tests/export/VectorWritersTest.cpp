@@ -163,11 +163,11 @@ private slots:
     {
         const Curve curve = curveOf(pdx3.presets.at(1));
         const Svg svg = parsed(svgOf(curve, Page{297, 210.5, 0.35, QColor("navy"), {}}));
+        const QString group = "g clip-path=url(#page) fill=none stroke-width=0.35 stroke-linecap=round "
+                              "stroke-linejoin=round";
         QCOMPARE(svg.elements, QStringList({"svg width=297mm height=210.5mm viewBox=0 0 297 210.5",
                                             "rect width=297 height=210.5 fill=#000080", "clipPath id=page",
-                                            "rect width=297 height=210.5",
-                                            "g clip-path=url(#page) fill=none stroke-width=0.35 stroke-linecap=round "
-                                            "stroke-linejoin=round"}));
+                                            "rect width=297 height=210.5", group}));
         const QByteArray transparent = svgOf(curve, Page{297, 210.5, 0.35, QColor(), {}});
         QCOMPARE(parsed(transparent).elements.size(), 4);
     }

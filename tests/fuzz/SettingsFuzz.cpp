@@ -94,7 +94,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         if (!content.contains("windowState") && !content.contains("geometry") && !content.contains("colsWidth") &&
             !content.contains("paramList")) {
             // Only lines were added.
-            const auto kept = std::mismatch(content.cbegin(), content.cend(), saved.cbegin(), saved.cend()).first;
+            const auto *const kept =
+                std::mismatch(content.cbegin(), content.cend(), saved.cbegin(), saved.cend()).first;
             expect(saved.endsWith(content.mid(static_cast<int>(kept - content.cbegin()))), "Foreign bytes stay");
         }
     }
