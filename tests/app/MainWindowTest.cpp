@@ -8,8 +8,6 @@
 
 #include <QMetaMethod>
 
-#include <cstring>
-
 namespace {
 
 /// Returns "Class name" of the object, followed by its children in braces, in order of creation. Leaves out objects
@@ -50,27 +48,6 @@ private slots:
                          "dockWidgetContents{QVBoxLayout verticalLayout, PendrixWidget pdx3}}, QDockWidget "
                          "dockParams{QWidget dockWidgetContents_2{QVBoxLayout verticalLayout_2, TableParams "
                          "tableParams}}}"));
-    }
-
-    void fieldsPointToObjectsOfTheirNames()
-    {
-        // In the order of their declaration.
-        const QObject *const fields[] = {
-            ui->actioncopy,       ui->actionpaste, ui->actionreset, ui->actionabout,
-            ui->centralWidget,    ui->menuBar,     ui->menuFile,    ui->menuEdit,
-            ui->mainToolBar,      ui->statusBar,   ui->dockWidget,  ui->dockWidgetContents,
-            ui->verticalLayout,   ui->pdx3,        ui->dockParams,  ui->dockWidgetContents_2,
-            ui->verticalLayout_2, ui->tableParams,
-        };
-        QStringList names;
-        for (const QObject *field : fields)
-            names << field->objectName();
-        QCOMPARE(names.join(' '),
-                 QString("actioncopy actionpaste actionreset actionabout centralWidget menuBar menuFile "
-                         "menuEdit mainToolBar statusBar dockWidget dockWidgetContents verticalLayout "
-                         "pdx3 dockParams dockWidgetContents_2 verticalLayout_2 tableParams"));
-        QCOMPARE(sizeof(Ui_MainWindow), sizeof fields);
-        QCOMPARE(std::memcmp(ui, static_cast<const void *>(fields), sizeof fields), 0);
     }
 
     void formKeepsNameAndSetsSize()

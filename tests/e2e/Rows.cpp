@@ -43,19 +43,7 @@ QByteArray textOf(const Rows &rows)
 
 QByteArray presetText()
 {
-    return QByteArray("1\t2\t3\t0.46\t1.5e-08\t1\n"
-                      "2\t3\t4\t0.25\t0\t2\n"
-                      "1\t3\t1\t0.25\t1.5e-08\t4\n"
-                      "2\t1\t3\t0.37\t0\t2\n"
-                      "2\t2\t11\t0.25\t1.5e-08\t2\n"
-                      "1\t1\t1.01\t0.25\t0.29\t0\n"
-                      "4\t4\t22\t0.25\t0\t4\n"
-                      "1\t1\t4\t0.43\t1.5e-08\t3\n"
-                      "1\t2\t0\t0.1\t0.3\t2\n"
-                      "6\t3\t2\t0.21\t0.3\t0\n"
-                      "1\t2\t-1\t0.1\t0.3\t2\n"
-                      "6\t-3\t2\t0.21\t0.3\t0\n") +
-           QByteArray("0\t0\t0\t0\t0\t0\n").repeated(52);
+    return textOf(Pendrix3D().paramList);
 }
 
 QByteArray presetsBelow(const Rows &rows)

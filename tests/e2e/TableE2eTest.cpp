@@ -69,17 +69,6 @@ private slots:
         COMPARE_SOON(shownBy(program), 4); // row 4 draws the same curve
     }
 
-    void editorOpensAndCloses()
-    {
-        program.click(program.cell(3, 1), 2);
-        VERIFY_SOON(program.isEditing());
-        QVERIFY(program.edit("1.5"));
-        rows[3][1] = 1.5F;
-        QVERIFY(program.edit("7", "Escape"));
-        QVERIFY(program.edit("1,5")); // not a number
-        QCOMPARE(RunningProgram::copy(), presetsBelow(rows));
-    }
-
     void openEditorKeepsCopyAndPaste()
     {
         program.click(program.cell(2, 0));

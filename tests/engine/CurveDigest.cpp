@@ -84,37 +84,6 @@ bool presetsInEveryMode()
     return digest.print();
 }
 
-bool animation(int preset, const char *name)
-{
-    Digest digest(name);
-    pdx3.set(preset);
-    for (int frame = 0; frame < 2000; ++frame) {
-        pdx3.next();
-        digest.addCurve();
-    }
-    return digest.print();
-}
-
-bool otherSettings()
-{
-    Digest digest("other amplitudes, steps, scales and palettes");
-    for (const float total : {1.0F, 0.5F, 3.7F, 1e-3F, 1e-40F, 250.0F, -1.0F}) {
-        for (const float parts : {16666.0F, 1000.0F, 37.5F, 2.9999998F, 3.0F, 1.0F, 0.1F}) {
-            for (int mode = 0; mode <= 5; ++mode) {
-                pdx3.total = total;
-                pdx3.step = total / parts;
-                pdx3.radiusScale = std::abs(total) * 0.3F;
-                pdx3.paletteSize = 512 - 83 * mode;
-                pdx3.set(1.0F, 2.0F, 3.1F, 0.46F, 0.3F, mode);
-                digest.addCurve();
-            }
-        }
-    }
-    pdx3.paletteSize = 512;
-    setDefaultSettings();
-    return digest.print();
-}
-
 bool randomRows()
 {
     Digest digest("5000 rows of random bits");
@@ -161,9 +130,6 @@ bool paletteAndBlends()
 
 int main()
 {
-    const bool isPrinted = presetsInEveryMode() && animation(0, "2000 steps of the first preset, by height") &&
-                           animation(4, "2000 steps of the fifth, by distance") &&
-                           animation(6, "2000 steps of the seventh, by time") && otherSettings() && randomRows() &&
-                           paletteAndBlends();
+    const bool isPrinted = presetsInEveryMode() && randomRows() && paletteAndBlends();
     return isPrinted ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -147,34 +147,6 @@ private slots:
         QVERIFY(pdx3.points.isEmpty() && pdx3.colors.isEmpty());
     }
 
-    void otherAmplitudesAndStepsMatchReference()
-    {
-        for (const float total : {1.0F, 0.5F, 3.7F, 1e-3F, 1e-40F, 250.0F, 0.0F, -1.0F}) {
-            for (const float step : {1e-3F, 0.37F, 0.1F, 5.0F, -6e-3F}) {
-                if (total / step > 10000.0F)
-                    continue;
-                pdx3.total = total;
-                pdx3.step = step;
-                for (int mode = 0; mode <= 5; ++mode) {
-                    pdx3.set(1.0F, 2.0F, 3.0F, 0.46F, 0.3F, mode);
-                    QCOMPARE(pdx3.nPoints, static_cast<int>(total / step));
-                    VERIFY_CURVE();
-                }
-            }
-        }
-    }
-
-    void otherRadiusScalesMatchReference()
-    {
-        pdx3.step = 1e-3F;
-        for (const float scale : {0.5F, 2.0F, 0.01F, 1e-30F, 1e-38F, 0.0F, -1.0F, infinity, notANumber}) {
-            pdx3.radiusScale = scale;
-            pdx3.set(3);
-            QCOMPARE(pdx3.colorMode, 2);
-            VERIFY_CURVE();
-        }
-    }
-
     void otherPalettesAndPeriodsMatchReference()
     {
         std::mt19937 random(29);

@@ -2,8 +2,7 @@
 // name of the call if there is an error.
 //
 // glGetError is not allowed between glBegin and glEnd, so an error there is reported for glEnd. The check before each
-// call keeps errors of Qt, or of calls that are not in OpenGLEntryPoints.h, from being reported for the next call. At
-// exit, adds a line with the numbers of calls and of checks to the file that PENDRIX_OPENGL_REPORT names, if it is set.
+// call keeps errors of Qt, or of calls that are not in OpenGLEntryPoints.h, from being reported for the next call.
 
 #include "tests/support/OpenGLEntryPoints.h"
 
@@ -13,33 +12,9 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <string_view>
 
 namespace {
-
-/// Counts the calls and the checks of this run; the destructor reports them.
-struct Count
-{
-    Count() = default;
-    ~Count()
-    {
-        const char *report = std::getenv("PENDRIX_OPENGL_REPORT");
-        if (report && calls > 0)
-            std::ofstream(report, std::ios::app) << calls << " calls, " << checks << " checks\n";
-    }
-    Count(const Count &) = delete;
-    Count &operator=(const Count &) = delete;
-
-    long calls = 0;
-    long checks = 0;
-};
-
-Count &count()
-{
-    static Count ofThisRun;
-    return ofThisRun;
-}
 
 bool isBetweenBeginAndEnd = false;
 
@@ -60,7 +35,6 @@ void check(const char *when, const char *name)
     static const auto getError = reinterpret_cast<decltype(&glGetError)>(libraryFunction("glGetError"));
     if (isBetweenBeginAndEnd)
         return;
-    ++count().checks;
     const GLenum error = getError();
     if (error == GL_NO_ERROR)
         return;
@@ -73,7 +47,6 @@ template <auto entryPoint, typename... Arguments>
 void callChecked(const char *name, Arguments... arguments)
 {
     static const auto function = reinterpret_cast<decltype(entryPoint)>(libraryFunction(name));
-    ++count().calls;
     check("before", name);
     function(arguments...);
     const std::string_view called(name);
