@@ -46,8 +46,9 @@ mkdir "$scratch/builder/root/source"
 tar --extract --file="$(echo "$built"/pendrix3d-*.tar.xz)" --directory="$scratch/builder/root/source" --strip-components=1
 in_source() { in_system builder env --chdir=/root/source "$@"; }
 in_source cmake --preset release > /dev/null
-in_source cmake --build --preset release --target pendrix3d tests/color/all tests/engine/all > /dev/null
-in_source ctest --preset release --tests-regex '^(color|engine)/'
+in_source cmake --build --preset release --target pendrix3d \
+  tests/numerics/all tests/color/all tests/engine/all > /dev/null
+in_source ctest --preset release --tests-regex '^(numerics|color|engine)/'
 
 step "A bare Debian installs the package"
 make_system user
@@ -63,10 +64,11 @@ if grep "not found" "$scratch/libraries"; then
   exit 1
 fi
 
-step "Menu entry, icon, manual page"
+step "Menu entry, icon, manual pages"
 check_file "/usr/share/applications/$id.desktop"
 check_file "/usr/share/metainfo/$id.metainfo.xml"
 check_file /usr/share/man/man1/pendrix3d.1.gz
+check_file /usr/share/man/man1/pendrix3d-export.1.gz
 # Packages for the following checks only.
 install user desktop-file-utils hicolor-icon-theme mandoc xvfb
 in_system user desktop-file-validate "/usr/share/applications/$id.desktop"
@@ -78,12 +80,15 @@ icon=$(sed -n 's/^Icon=//p' "$scratch/user/usr/share/applications/$id.desktop")
 sizes=$(in_system user ./on-virtual-display.sh ./pendrix_find_icon "$icon" | sort --numeric-sort)
 printf 'Sizes of the icon: %s.\n' "${sizes//$'\n'/, }"
 
-step "The program starts"
+step "The programs run"
 program=$(sed -n 's/^Exec=//p' "$scratch/user/usr/share/applications/$id.desktop")
 in_system user ./on-virtual-display.sh ./pendrix_screenshot "$program" /root/screenshot.png
 colors=$(in_system user ./pendrix_vivid_colors screenshot.png)
 [ "$colors" -ge 100 ] || { echo "The screenshot is blank: $colors vivid colours." >&2; exit 1; }
 echo "The screenshot has $colors vivid colours."
+in_system user pendrix3d-export --preset 6 exported.png
+colors=$(in_system user ./pendrix_vivid_colors exported.png)
+[ "$colors" -ge 100 ] || { echo "The exported picture is blank: $colors vivid colours." >&2; exit 1; }
 
 step "The package is removed"
 in_system user env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 purge --yes pendrix3d > /dev/null
