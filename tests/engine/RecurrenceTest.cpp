@@ -60,6 +60,17 @@ private slots:
         QVERIFY(isExact(1.0F, 50000, 0, [](float a) { return a - 6e-5F; })); // past zero
     }
 
+    void extrapolatedValuesAreNotRecomputed()
+    {
+        std::vector<float> values(640);
+        int calls = 0;
+        fillRecurrence(1.0F, values.data(), 640, [&calls](float value) {
+            ++calls;
+            return value + 0x1p-20F; // exact
+        });
+        QCOMPARE(calls, 650); // in each of 10 chunks: two to extrapolate, 63 to verify
+    }
+
     void randomSumsMatchSerialSteps()
     {
         std::mt19937 random(3);
