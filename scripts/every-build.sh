@@ -92,9 +92,12 @@ digest() {
 
 # run_tests BUILD: fails if a test fails.
 run_tests() {
-  local selection=()
-  [ "$1" != arm64 ] || selection=(--tests-regex '^(numerics|color|engine)/')
-  if cmake --build "$folder/$1" > "$folder/$1.tests" &&
+  local targets=(all) selection=()
+  if [ "$1" = arm64 ]; then
+    targets=(tests/numerics/all tests/color/all tests/engine/all)
+    selection=(--tests-regex '^(numerics|color|engine)/')
+  fi
+  if cmake --build "$folder/$1" --target "${targets[@]}" > "$folder/$1.tests" &&
     ctest --test-dir "$folder/$1" --output-on-failure --no-tests=error --label-exclude exhaustive "${selection[@]}" > "$folder/$1.tests"; then
     tail --lines=4 "$folder/$1.tests"
   else
