@@ -174,8 +174,9 @@ private:
     /// `indices`. Advances `t` and `amplitude`. Leaves the last point in the fields.
     void calcBlock(int first, int count, CurvePoint *point, int *indices);
 
-    /// The palette of the current pass as QColor. A pass constructs these colours and those of the points in place:
-    /// QColor's copy constructor is inline, its copy assignment is not, and a temporary is a detour through the stack.
+    /// The palette of the current pass as QColor. A pass constructs these colours and the points' colours in place:
+    /// QColor's copy constructor is inline, but its copy assignment is not, and a temporary would pass through the
+    /// stack.
     QVector<QColor> paletteColors;
 };
 

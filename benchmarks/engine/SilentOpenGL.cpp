@@ -1,4 +1,4 @@
-// OpenGL entry points that do nothing, in a file of their own so that no compiler can remove their calls.
+// OpenGL entry points that do nothing, in a separate file so that no compiler can remove their calls.
 
 #include "tests/support/OpenGLEntryPoints.h"
 
