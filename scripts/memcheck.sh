@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs the soak test and the program of the debug build under valgrind's memcheck on a virtual display. SIGTERM ends the
-# program, which then saves its settings. Fails if memcheck finds an error or a definite leak. Takes several minutes.
-# Part of scripts/long-checks.sh.
+# program after a minute, and the program saves its settings. Fails if memcheck finds an error or a definite leak. Takes
+# several minutes. Part of scripts/long-checks.sh.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/packages.sh

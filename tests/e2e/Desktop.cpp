@@ -21,10 +21,10 @@ Display *display()
 /// Returns whether the window manager gives the keyboard focus to new windows, which it does not before it is ready.
 bool isWindowManagerReady()
 {
-    constexpr int longEnough = 200; // ms
+    constexpr int timeout = 200; // ms
     QWindow window;
     window.show();
-    return QTest::qWaitForWindowActive(&window, longEnough);
+    return QTest::qWaitForWindowActive(&window, timeout);
 }
 
 bool isTaken = false;

@@ -12,7 +12,8 @@ namespace Desktop {
 /// Longest wait for any effect, in ms: a software renderer on a loaded machine is slow.
 constexpr int patience = 45000;
 
-/// Starts the window manager, which lives as long as the process. Returns false if it does not start.
+/// Starts the window manager, which lives as long as the process, and waits until it gives the keyboard focus to new
+/// windows. Returns false if that never happens.
 bool startWindowManager();
 
 /// Sends the window manager the request to close the window, as a task bar does.
