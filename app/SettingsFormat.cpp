@@ -126,13 +126,16 @@ struct Entry
 /// Returns our entries in `text`. As in QSettings, those before the first section belong to [General].
 QVector<Entry> entriesIn(const QByteArray &text)
 {
+    // An entry ends with its line. QSettings continues an entry after a quoted or escaped line end. It never writes
+    // one, but with that rule, a damaged quote or backslash would hide the entries of other lines.
+    //
     // All quantifiers are possessive, so that matching never backtracks into a repetition, however damaged the file is.
     // The text is Latin-1: one character per byte.
     //
-    // The rest of an entry or section line: up to an unquoted line end or semicolon, across escaped and quoted line
-    // ends; if a quote is never closed, up to the first line end.
+    // The rest of an entry or section line: up to an unquoted semicolon or, if a quote is never closed, to the line
+    // end.
     static const QString rest =
-        QStringLiteral(R"((?:(?:[^\r\n;"\\]++|\\[\s\S]|"(?:[^"\\]++|\\[\s\S])*+")*+(?!["\\])|[^\r\n]*+))");
+        QStringLiteral(R"((?:(?:[^\r\n;"\\]++|\\[^\r\n]|"(?:[^\r\n"\\]++|\\[^\r\n])*+")*+(?!["\\])|[^\r\n]*+))");
     static const QString key = QStringLiteral("(colsWidth|geometry|paramList|windowState)[ \\t]*+=");
     // The tokens: byte order mark, comment, section (capture 1), our entry (capture 2), run of foreign entries.
     static const QRegularExpression token(
