@@ -51,14 +51,18 @@ void MainWindow::loadSettings()
     // If this version of Qt writes another format, which the check does not recognise, skip the check.
     if (isUsableWindowState(layout) || !isUsableWindowState(saveState()))
         restoreState(layout);
+    // restoreState and restoreGeometry accept any size, and the pixels of a huge window would take gigabytes.
+    const QSize largest = QGuiApplication::primaryScreen()->availableVirtualSize();
+    if (ui->mainToolBar->isFloating())
+        ui->mainToolBar->resize(ui->mainToolBar->size().boundedTo(largest));
 
     QVector<QRect> screens;
     const QList<QScreen *> screenList = QGuiApplication::screens();
     for (const QScreen *screen : screenList)
         screens << screen->availableGeometry();
     const QByteArray geometry = settings->value(SettingsKey::geometry).toByteArray();
-    if (isUsableGeometry(geometry, screens) && restoreGeometry(geometry)) // accepts any size: limit it
-        resize(size().boundedTo(QGuiApplication::primaryScreen()->availableVirtualSize()));
+    if (isUsableGeometry(geometry, screens) && restoreGeometry(geometry))
+        resize(size().boundedTo(largest));
 
     const auto widths = settings->value(SettingsKey::colsWidth).value<QVector<int>>();
     for (int i = 0; i < ui->tableParams->model->columnCount() && i < widths.size(); ++i) {

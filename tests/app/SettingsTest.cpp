@@ -165,14 +165,16 @@ private slots:
         }
     }
 
-    void floatingToolbarIsRestored()
+    void floatingToolbarIsRestoredNoLargerThanScreen()
     {
         {
             const MainWindow window;
             window.ui->mainToolBar->setWindowFlags(Qt::Tool);
+            window.ui->mainToolBar->setGeometry(10, 20, 32000, 65000);
         }
         const MainWindow window;
         QVERIFY(window.ui->mainToolBar->isFloating());
+        QCOMPARE(window.ui->mainToolBar->size(), QGuiApplication::primaryScreen()->virtualSize());
     }
 
     void layoutThatHidesCurveIsIgnored()
