@@ -134,8 +134,9 @@ private slots:
              {"[General]\nROWS\n", "[General]\nROWS", "ROWS\n[Other]\na=1\n", "\n [ gEnErAl ] \n\t ROWS\n",
               "[General]\na=1\n[Other]\n[General]\nROWS\n", "[General]\ra=1\rROWS\rb=2\r",
               "[General]\rgeometry=@Variant(BOMB)\rROWS\r", "[General]\r\na=1\r\nROWS\r\n",
-              "\xEF\xBB\xBF[General]\nROWS\n", "; \"\n[General]\nROWS ; \"\n", "[General]\nforeign=\"\nROWS\n\"\n",
-              "[General]\nforeign=1\\\nROWS\n", "[General]\nOTHER\nROWS\n", "[General]\nROWS\nparamList=7\n"})
+              "\xEF\xBB\xBF[General]\nROWS\n", "; \"\n[General]\nROWS ; \"\n", "[General]\nforeign=\"\nROWS\n",
+              "[General]\nforeign=\"\nROWS\n\"\n", "[General]\nforeign=1\\\nROWS\n", "[General]\nOTHER\nROWS\n",
+              "[General]\nROWS\nparamList=7\n"})
             QVERIFY2(rowsOf(text) == markedRows(3), text);
         for (const char *text : {"[Other]\nROWS\n", "[%General]\nROWS\n", "\xEF\xBB\xBF[Other]\nROWS\n",
                                  "[General]\n;ROWS\n", "[General]\nparamList ROWS\n", "[General]\nxROWS\n"})
