@@ -6,8 +6,8 @@
 #include <memory>
 
 /// Opens the user's settings, organisation "quillmoss" and application "pdx3". Never writes unless a value is set.
-/// Missing keys are read from fallback files. Returns null if the settings file exists but is not a regular file or
-/// cannot be read: it must not be overwritten.
+/// Missing keys are read from fallback files. Returns null if the settings file exists but is not a regular file,
+/// cannot be read or is larger than 64 MiB: it must not be overwritten.
 ///
 /// On systems whose native format is a text file, SettingsFormat reads and writes it.
 std::unique_ptr<QSettings> openSettings();

@@ -1,21 +1,32 @@
 #include "app/SettingsFormat.h"
 
+#include "engine/Pendrix3D.h"
+
 #include <QDataStream>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
-#include <QVector>
 
 #include <algorithm>
 #include <cctype>
 #include <charconv>
 #include <cstring>
+#include <string_view>
+#include <vector>
 
 #ifdef Q_OS_UNIX
 #include <unistd.h>
 #endif
 
 namespace {
+
+/// The largest file that is read or written, in bytes. A saved file has about 5 KB. The most expensive content of this
+/// size, one long value, takes 390 MB and 2.4 s to load and save.
+constexpr qint64 largestFile = 64 << 20;
+
+constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
+
+constexpr const char *keys[] = {SettingsKey::colsWidth, SettingsKey::geometry, SettingsKey::paramList,
+                                SettingsKey::windowState};
 
 constexpr char letters[] = "abtnvfr"; // of the escapes \a to \r, in the order of their codes
 
@@ -60,13 +71,13 @@ QByteArray escaped(const QByteArray &bytes)
     return needsQuotes ? '"' + text + '"' : text;
 }
 
-/// Reads past a streamed vector and returns whether all its elements exist: elements of 4 bytes at depth 1, vectors of
-/// such elements at depth 2. QDataStream would allocate memory for a damaged count.
+/// Reads past a streamed vector and returns whether all its elements exist: elements of 4 bytes at depth 1, 64 vectors
+/// of such elements at depth 2. QDataStream would allocate memory for a damaged count.
 bool hasElements(QDataStream &stream, int depth)
 {
     quint32 count = 0;
     stream >> count;
-    if (count > stream.device()->bytesAvailable() / 4)
+    if (count > stream.device()->bytesAvailable() / 4 || (depth == 2 && count != Pendrix3D::rowCount))
         return false;
     if (depth == 1)
         return stream.skipRawData(static_cast<int>(count) * 4) >= 0;
@@ -76,11 +87,11 @@ bool hasElements(QDataStream &stream, int depth)
 }
 
 /// Returns the value of `key` from its text, or an invalid variant if it is malformed or of another type.
-QVariant decoded(const QString &key, const QByteArray &text)
+QVariant decoded(std::string_view key, std::string_view text)
 {
     const int depth = key == SettingsKey::paramList ? 2 : key == SettingsKey::colsWidth ? 1 : 0;
     const QByteArray form = depth > 0 ? "@Variant(" : "@ByteArray(";
-    const QByteArray value = unescaped(text.trimmed());
+    const QByteArray value = unescaped(QByteArray(text.data(), static_cast<int>(text.size())).trimmed());
     if (!value.startsWith(form) || !value.endsWith(')'))
         return {};
     const QByteArray bytes = value.mid(form.size()).chopped(1);
@@ -115,48 +126,60 @@ QByteArray encoded(const QString &key, const QVariant &value)
     return key.toLatin1() + '=' + escaped((isVariant ? "@Variant(" : "@ByteArray(") + bytes + ')');
 }
 
-/// The position of one of our entries in the text of a settings file. An empty key marks the end of a [General] line.
+/// One of our entries in the text of a settings file, or, with a null key, the end of a [General] line.
 struct Entry
 {
-    QString key;
-    int start;
-    int end;
+    const char *key;
+    std::string_view text;
 };
 
-/// Returns our entries in `text`. As in QSettings, those before the first section belong to [General].
-QVector<Entry> entriesIn(const QByteArray &text)
+/// Returns the part of `line` before an unquoted semicolon, which starts a comment.
+std::string_view withoutComment(std::string_view line)
 {
-    // An entry ends with its line. QSettings continues an entry after a quoted or escaped line end. It never writes
-    // one, but with that rule, a damaged quote or backslash would hide the entries of other lines.
-    //
-    // All quantifiers are possessive, so that matching never backtracks into a repetition, however damaged the file is.
-    // The text is Latin-1: one character per byte.
-    //
-    // The rest of an entry or section line: up to an unquoted semicolon or, if a quote is never closed, to the line
-    // end.
-    static const QString rest =
-        QStringLiteral(R"((?:(?:[^\r\n;"\\]++|\\[^\r\n]|"(?:[^\r\n"\\]++|\\[^\r\n])*+")*+(?!["\\])|[^\r\n]*+))");
-    static const QString key = QStringLiteral("(colsWidth|geometry|paramList|windowState)[ \\t]*+=");
-    // The tokens: byte order mark, comment, section (capture 1), our entry (capture 2), run of foreign entries.
-    static const QRegularExpression token(
-        QStringLiteral(R"(^\xEF\xBB\xBF|;[^\r\n]*+|\[([^]\r\n]*+)%1|%2%1|(?:(?!;|\[|%2)\S%1\s*+)++)").arg(rest, key));
-    QVector<Entry> entries;
-    bool isGeneral = true;
-    for (auto matches = token.globalMatch(QString::fromLatin1(text)); matches.hasNext();) {
-        const QRegularExpressionMatch match = matches.next();
-        const bool isSection = match.capturedStart(1) >= 0;
-        if (isSection)
-            isGeneral = match.captured(1).trimmed().compare(QLatin1String("general"), Qt::CaseInsensitive) == 0;
-        if (isGeneral && isSection)
-            entries.append({QString(), match.capturedEnd(), match.capturedEnd()});
-        else if (isGeneral && match.capturedStart(2) >= 0)
-            entries.append({match.captured(2), match.capturedStart(), match.capturedEnd()});
+    std::size_t end = 0;
+    for (bool isQuoted = false; end < line.size() && (isQuoted || line[end] != ';'); ++end) {
+        if (line[end] == '\\')
+            ++end;
+        else if (line[end] == '"')
+            isQuoted = !isQuoted;
+    }
+    return line.substr(0, end);
+}
+
+/// Returns our entries in `text`, as parts of it. As in QSettings, those before the first section belong to [General].
+///
+/// An entry ends with its line. QSettings continues an entry after a quoted or escaped line end. It never writes one,
+/// but with that rule, a damaged quote or backslash would hide the entries of other lines.
+std::vector<Entry> entriesIn(const QByteArray &text)
+{
+    std::vector<Entry> entries;
+    std::string_view rest(text.constData(), static_cast<std::size_t>(text.size()));
+    rest.remove_prefix(text.startsWith(byteOrderMark) ? 3 : 0);
+    for (bool isGeneral = true; !rest.empty();) {
+        const std::string_view line = rest.substr(0, rest.find_first_of("\r\n"));
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+        const std::string_view start = line.substr(std::min(line.find_first_not_of(" \t\v\f"), line.size()));
+        if (start.substr(0, 1) == "[") {
+            const std::string_view name = start.substr(1, start.find(']') - 1);
+            const QLatin1String section = QLatin1String(name.data(), static_cast<int>(name.size())).trimmed();
+            isGeneral = section.size() == 7 && section.startsWith(QLatin1String("general"), Qt::CaseInsensitive);
+            if (isGeneral)
+                entries.push_back({nullptr, line.substr(line.size())});
+        } else if (isGeneral && start.find('=') < start.size()) {
+            std::string_view name = start.substr(0, start.find('='));
+            name = name.substr(0, name.find_last_not_of(" \t") + 1);
+            const auto *const key = std::find(std::begin(keys), std::end(keys), name);
+            if (key != std::end(keys))
+                entries.push_back({*key, withoutComment(start)});
+        }
     }
     return entries;
 }
 
 bool readWhole(QIODevice &file, QByteArray &content)
 {
+    if (file.size() > largestFile)
+        return false;
     content = file.readAll();
     return static_cast<QFileDevice &>(file).error() == QFileDevice::NoError && content.size() == file.size();
 }
@@ -168,10 +191,10 @@ bool readSettings(QIODevice &file, QSettings::SettingsMap &values)
     QByteArray text;
     if (!readWhole(file, text))
         return false;
-    const QVector<Entry> entries = entriesIn(text);
-    for (const Entry &entry : entries) {
-        const QByteArray assignment = text.mid(entry.start, entry.end - entry.start);
-        const QVariant value = decoded(entry.key, assignment.mid(assignment.indexOf('=') + 1));
+    for (const Entry &entry : entriesIn(text)) {
+        if (!entry.key)
+            continue;
+        const QVariant value = decoded(entry.key, entry.text.substr(entry.text.find('=') + 1));
         if (value.isValid())
             values.insert(entry.key, value); // the last of several entries wins, as in QSettings
     }
@@ -186,34 +209,29 @@ bool writeSettings(QIODevice &file, const QSettings::SettingsMap &values)
     if (present.open(QIODevice::ReadOnly) ? !readWhole(present, text) : QFileInfo::exists(present.fileName()))
         return false;
 
-    const auto isSection = [](const Entry &entry) { return entry.key.isEmpty(); };
-    QVector<Entry> entries = entriesIn(text);
-    if (std::none_of(entries.cbegin(), entries.cend(), isSection)) {
-        text.insert(text.startsWith("\xEF\xBB\xBF") ? 3 : 0, "[General]\n");
-        entries = entriesIn(text);
-    }
     QSettings::SettingsMap remaining = values;
     QByteArray result;
-    int copied = 0;
-    int sectionEnd = 0;
-    for (const Entry &entry : qAsConst(entries)) {
-        result += text.mid(copied, entry.start - copied);
-        copied = entry.end;
-        if (isSection(entry))
+    const char *copied = text.constData();
+    auto sectionEnd = result.size() - 1; // none
+    for (const Entry &entry : entriesIn(text)) {
+        result.append(copied, static_cast<int>(entry.text.data() - copied));
+        copied = entry.text.data() + entry.text.size();
+        if (!entry.key)
             sectionEnd = result.size();
         else if (remaining.contains(entry.key)) // drops entries without a value and second entries of a key
             result += encoded(entry.key, remaining.take(entry.key));
     }
-    result += text.mid(copied);
+    result.append(copied, static_cast<int>(text.constEnd() - copied));
     QByteArray added;
-    for (const char *key :
-         {SettingsKey::colsWidth, SettingsKey::geometry, SettingsKey::paramList, SettingsKey::windowState}) {
-        if (remaining.contains(key))
-            added += '\n' + encoded(key, remaining.take(key));
+    for (auto it = remaining.cbegin(); it != remaining.cend(); ++it)
+        added += '\n' + encoded(it.key(), it.value());
+    if (sectionEnd < 0) {
+        sectionEnd = text.startsWith(byteOrderMark) ? 3 : 0;
+        added = "[General]" + added + '\n';
     }
     result.insert(sectionEnd, added);
 
-    if (saveFile.write(result) != result.size() || !saveFile.flush())
+    if (result.size() > largestFile || saveFile.write(result) != result.size() || !saveFile.flush())
         return false;
 #ifdef Q_OS_UNIX
     return fsync(saveFile.handle()) == 0; // QSaveFile calls fsync, too, but ignores errors

@@ -14,9 +14,10 @@ constexpr auto windowState = "windowState";
 } // namespace SettingsKey
 
 /// Reads the values of the four keys from `file`. Ignores malformed values and foreign entries. Returns false on read
-/// errors.
+/// errors and if the file is larger than 64 MiB.
 bool readSettings(QIODevice &file, QSettings::SettingsMap &values);
 
 /// Writes to `file`, a QSaveFile, the content of the file that it will replace, with the entries of the four keys set
-/// to `values`. Keeps all other bytes. Returns false on read and write errors.
+/// to `values`, which has no other keys. Keeps all other bytes. Returns false on read and write errors and if the file is
+/// or becomes larger than 64 MiB.
 bool writeSettings(QIODevice &file, const QSettings::SettingsMap &values);

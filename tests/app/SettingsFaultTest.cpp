@@ -3,6 +3,7 @@
 #include "app/Settings.h"
 #include "tests/app/FileFaults.h"
 #include "tests/support/SampleSize.h"
+#include "tests/support/Sanitizer.h"
 #include "tests/support/SettingsText.h"
 
 #include <QElapsedTimer>
@@ -12,6 +13,7 @@
 #include <csignal>
 #include <functional>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -55,6 +57,12 @@ QByteArray encodedPath(const SettingsFolder &folder, const QString &name = QStri
 QStringList filesIn(const QString &folder)
 {
     return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+}
+
+/// Returns how many units of `size` bytes a file of 64 MiB has, with room for the rows of a save.
+int unitsIn64Mebibytes(int size)
+{
+    return ((64 << 20) - 10000) / size;
 }
 
 /// Runs `action` in a child process. Returns the child's wait status.
@@ -224,6 +232,43 @@ private slots:
             QVERIFY(other.open(QIODevice::ReadOnly));
             QCOMPARE(other.readAll(), text);
         }
+    }
+
+    // ---- Large files ----
+
+    void largestFileIsLoadedAndSavedInLittleMemory_data()
+    {
+        QTest::addColumn<QByteArray>("start");
+        QTest::addColumn<QByteArray>("unit"); // fills the rest of the file
+        QTest::addColumn<int>("mebibytes");   // of address space
+        const QByteArray list = userValue("QVector<QVector<float> >", streamed(unitsIn64Mebibytes(8)));
+        QTest::newRow("empty rows") << variantLine("paramList", list).chopped(2) << QByteArray("\\0\\0\\0\\0") << 300;
+        if (sampleSize(0, 1) == 0)
+            return;
+        QTest::newRow("byte array") << QByteArray("geometry=@ByteArray(") << QByteArray("a") << 512;
+        QTest::newRow("empty entries") << QByteArray() << QByteArray("paramList=\n") << 512;
+        QTest::newRow("sections") << QByteArray() << QByteArray("[General]\n") << 512;
+        QTest::newRow("short sections") << QByteArray() << QByteArray("[\n") << 512;
+        QTest::newRow("empty lines") << QByteArray() << QByteArray("\n") << 512;
+    }
+
+    void largestFileIsLoadedAndSavedInLittleMemory()
+    {
+        QFETCH(QByteArray, start);
+        QFETCH(QByteArray, unit);
+        QFETCH(int, mebibytes);
+#ifdef PENDRIX_ADDRESS_SANITIZER
+        QSKIP("AddressSanitizer reserves terabytes of address space");
+#endif
+        const QByteArray end = start.isEmpty() ? "" : ")\n";
+        const FilledFolder folder;
+        QVERIFY(folder.write(start + unit.repeated(unitsIn64Mebibytes(unit.size())) + end));
+        QCOMPARE(statusOfChild([mebibytes] {
+                     const rlimit limit = {static_cast<rlim_t>(mebibytes) << 20U, RLIM_INFINITY};
+                     return setrlimit(RLIMIT_AS, &limit) == 0 && save(2);
+                 }),
+                 0);
+        QVERIFY(folder.read().contains(folder.newText.split('\n').at(1)));
     }
 
     // ---- Locks ----

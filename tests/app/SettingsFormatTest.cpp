@@ -143,6 +143,45 @@ private slots:
             QVERIFY2(rowsOf(text).isEmpty(), text);
     }
 
+    void rowsBehindLargeForeignTextAreRead()
+    {
+        const auto afterLines = [](const QByteArray &line, int size) {
+            return rowsIn("[General]\n" + line.repeated(size / line.size()) + '\n' + rowsLine(markedRows(3)));
+        };
+        QVERIFY(afterLines("a=\n", 12000000) == markedRows(3));
+        QVERIFY(afterLines("k1=1\n", 67000000) == markedRows(3));
+        QVERIFY(afterLines("\"", 24000000) == markedRows(3));
+        QVERIFY(afterLines(QByteArray(1, '\0'), 1000000) == markedRows(3));
+    }
+
+    void fileAbove64MebibytesIsNeitherReadNorReplaced()
+    {
+        constexpr qint64 limit = 64 << 20;
+        const SettingsFolder folder;
+        QVERIFY(folder.write("[General]\n" + rowsLine(markedRows(3))));
+        QVERIFY(QFile::resize(folder.path(), limit));
+        {
+            const auto settings = openSettings();
+            QVERIFY(settings && storedParamList(*settings) == markedRows(3));
+            settings->setValue("paramList", QVariant::fromValue(markedRows(7)));
+            QVERIFY(QFile::resize(folder.path(), limit + 1)); // by another program
+        }
+        QFile file(folder.path());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.size(), limit + 1);
+        QCOMPARE(file.readLine(), QByteArray("[General]\n"));
+        QCOMPARE(file.readLine(), rowsLine(markedRows(3)));
+        QVERIFY(!openSettings());
+    }
+
+    void saveThatExceeds64MebibytesKeepsFile()
+    {
+        const SettingsFolder folder;
+        QVERIFY(folder.write("[General]\n") && QFile::resize(folder.path(), 64 << 20));
+        openSettings()->setValue("paramList", QVariant::fromValue(markedRows(7)));
+        QCOMPARE(QFileInfo(folder.path()).size(), qint64{64 << 20});
+    }
+
     void damageToAnyByteIsHarmless()
     {
         const QByteArray good = plainText({{"paramList", QVariant::fromValue(markedRows(3))},
@@ -151,17 +190,20 @@ private slots:
                                            {"windowState", QByteArray("c=d")}});
         const int rowsStart = good.indexOf("paramList");
         const int rowsEnd = good.indexOf('\n', rowsStart);
+        QByteArray values("\0\n\r\"\\;=[\x7F\xFF", 10);
+        for (int value = 0; values.size() < sampleSize(10, 266); ++value)
+            values += static_cast<char>(value);
         const int step = sampleSize(37, 1);
         for (int at = 0; at < good.size(); at += step) {
             QCOMPARE(rowsIn(good.left(at)), at >= rowsEnd ? markedRows(3) : Rows());
-            for (const char damage : {'\x01', '\x10', '\x7F', '\xFF', '"', '\\'}) {
+            for (const char value : qAsConst(values)) {
                 QByteArray text = good;
-                text[at] = static_cast<char>(damage == '"' || damage == '\\' ? damage : text.at(at) ^ damage);
+                text[at] = value;
                 const Rows rows = rowsIn(text);
                 QVERIFY2(rows.isEmpty() || rows.size() == 64, QByteArray::number(at));
-                // Damage to other lines costs no rows, unless it breaks the section's name.
-                if ((at > 9 && at < rowsStart - 1) || at > rowsEnd)
-                    QVERIFY2(rows == markedRows(3), QByteArray::number(at) + ' ' + QByteArray::number(damage));
+                // Damage to other lines costs no rows, unless it breaks the section's name or starts a section.
+                if ((at > 10 && at < rowsStart - 1 && good.at(at - 1) != '\n') || at > rowsEnd)
+                    QVERIFY2(rows == markedRows(3), QByteArray::number(at) + ' ' + QByteArray::number(value));
             }
         }
     }
@@ -227,6 +269,8 @@ private slots:
             {"ROWS\n[General]\n", {}},
             {"[General]\na=\"\nROWS\nb=1", {}},
             {"; \"\n[General] ; g\nROWS; \"\n", {}},
+            {"[General] ; note\nb=1\n", "[General] ; note\nROWS\nb=1\n"},
+            {"[General];note", "[General];note\nROWS"},
         };
         for (const auto &row : rows) {
             const QByteArray after = row[1].isNull() ? row[0] : row[1];

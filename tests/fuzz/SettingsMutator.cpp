@@ -1,4 +1,4 @@
-// Mutates a settings file: in half of the cases its bytes, otherwise the unescaped bytes of one value.
+// Mutates a settings file: the unescaped bytes of one value, a run of one byte or line, or any bytes.
 
 #include <QByteArray>
 
@@ -115,15 +115,28 @@ QByteArray withMutatedValue(QByteArray file, const Key &key)
     return file.replace(valueAt, length, key.form + escaped(mutated(unescaped(value))) + ')');
 }
 
+/// Returns the settings file with a run of up to 5000 equal bytes or short lines inserted.
+QByteArray withRun(QByteArray file, std::minstd_rand &random)
+{
+    const QByteArray units[] = {
+        QByteArray(1, '\0'), "\"",          "\\",    "=", "[", ";", " ", "\n", "\r", "a=\n", "k1=1\n",
+        "[General]\n",       "geometry=\n", "a=\"\n"};
+    const QByteArray &unit = units[random() % std::size(units)];
+    const auto longest = random() % 2 == 0 ? 4U : 5000U;
+    const auto at = random() % (static_cast<uint>(file.size()) + 1);
+    return file.insert(static_cast<int>(at), unit.repeated(static_cast<int>(1 + random() % longest)));
+}
+
 } // namespace
 
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t *data, std::size_t size, std::size_t maxSize, unsigned seed)
 {
     std::minstd_rand random(seed);
-    if (random() % 2 == 0) {
-        const Key &key = keys[random() % std::size(keys)];
+    const auto choice = random() % 8;
+    if (choice < 4) {
         const QByteArray file(reinterpret_cast<const char *>(data), static_cast<int>(size));
-        const QByteArray result = withMutatedValue(file, key);
+        const QByteArray result =
+            choice == 0 ? withRun(file, random) : withMutatedValue(file, keys[random() % std::size(keys)]);
         if (static_cast<std::size_t>(result.size()) <= maxSize) {
             std::copy(result.cbegin(), result.cend(), data);
             return static_cast<std::size_t>(result.size());
