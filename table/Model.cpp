@@ -64,8 +64,7 @@ QVariant Model::headerData(int section, Qt::Orientation orientation, int role) c
 
 Qt::ItemFlags Model::flags(const QModelIndex &index) const
 {
-    const Qt::ItemFlags base = QAbstractTableModel::flags(index);
-    return index.isValid() ? base | Qt::ItemIsEditable : base;
+    return QAbstractTableModel::flags(index) | Qt::ItemIsEditable;
 }
 
 void Model::refresh()

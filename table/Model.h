@@ -29,7 +29,7 @@ public:
     /// Returns the column titles, and the row numbers counted from 1.
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
 
-    /// Returns the flags of an editable table cell; none for an invalid index.
+    /// Returns the base class's flags with Qt::ItemIsEditable added, for any index.
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
     /// Emits dataChanged for all cells. Call after each change of the list that does not come from the table.
