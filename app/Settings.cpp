@@ -93,7 +93,8 @@ bool canSave(const QSettings &settings)
     const QString path = settings.fileName() + QStringLiteral(".lock");
     QLockFile lock(path);        // QSettings itself would wait without limit
     lock.setStaleLockTime(3000); // ms; a save takes a few
-    return canOpen(path) && (lock.tryLock(3500) || lock.error() != QLockFile::LockFailedError);
+    return canOpen(path) && (lock.tryLock(3500) || lock.error() != QLockFile::LockFailedError) &&
+           canOpen(settings.fileName());
 #else
     Q_UNUSED(settings)
     return true;

@@ -17,5 +17,5 @@ std::unique_ptr<QSettings> openSettings();
 QVector<QVector<float>> storedParamList(const QSettings &settings);
 
 /// Waits until no other program is saving `settings`, and removes a stale lock file. Returns false if this takes more
-/// than 3.5 s; saving would then block.
+/// than 3.5 s, or if the file is no longer a regular file: saving would block or replace it.
 bool canSave(const QSettings &settings);

@@ -198,6 +198,23 @@ private slots:
         }
     }
 
+    void specialFileThatReplacesOpenFileIsNeitherOpenedNorReplaced()
+    {
+        for (const bool isLink : {false, true}) {
+            const FilledFolder folder;
+            const int status = statusOfChild([&] {
+                alarm(5);
+                const auto settings = openSettings();
+                const QByteArray fifo = encodedPath(folder, isLink ? "fifo" : "quillmoss/pdx3.conf");
+                QFile::remove(folder.path());
+                if (mkfifo(fifo, 0600) != 0 || (isLink && symlink(fifo, encodedPath(folder)) != 0))
+                    return false;
+                return !canSave(*settings);
+            });
+            QCOMPARE(status, 0);
+        }
+    }
+
     void fifoAsFallbackFileIsNotOpened()
     {
         const FilledFolder folder;
