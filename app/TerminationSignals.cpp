@@ -47,7 +47,7 @@ void closeOnTerminationSignals(QObject *parent)
     }
     auto *notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, parent);
     QObject::connect(notifier, &QSocketNotifier::activated, notifier, [notifier] {
-        notifier->setEnabled(false);
+        notifier->setEnabled(false); // ignores further signals
         closeAllWindows();
     });
 
@@ -57,7 +57,7 @@ void closeOnTerminationSignals(QObject *parent)
             continue;
         action = {};
         action.sa_handler = writeToPipe;
-        action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
+        action.sa_flags = SA_RESTART;
         sigaction(signal, &action, nullptr);
     }
 #else

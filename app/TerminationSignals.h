@@ -5,7 +5,6 @@ class QObject;
 /// Makes SIGTERM, SIGHUP and SIGINT close all windows and message boxes, so that the settings are saved and the program
 /// exits with status 0. Commits the text of an open cell editor, as Enter does. `parent` owns the socket notifier.
 ///
-/// Only a second signal of the same kind has its default action, because the end of a session may send SIGTERM and
-/// SIGHUP together. Signals that are ignored at the call, as under nohup, stay ignored. Does nothing on systems without
-/// these signals.
+/// Ignores further signals while the program closes: `timeout`, for example, sends SIGTERM twice. Signals that are
+/// ignored at the call, as under nohup, stay ignored. Does nothing on systems without these signals.
 void closeOnTerminationSignals(QObject *parent);

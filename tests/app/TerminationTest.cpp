@@ -7,6 +7,7 @@
 #include "table/Model.h"
 #include "tests/app/FakeSessionManager.h"
 #include "tests/support/ApplicationTest.h"
+#include "tests/support/SampleSize.h"
 #include "tests/support/SettingsText.h"
 #include "ui_MainWindow.h"
 
@@ -14,9 +15,11 @@
 #include <QLockFile>
 #include <QProcess>
 #include <QSignalSpy>
+#include <QThread>
 #include <QTimer>
 
 #include <csignal>
+#include <random>
 
 namespace {
 
@@ -141,17 +144,44 @@ private slots:
         verifyExitWith(expected);
     }
 
-    void secondSignalHasDefaultAction()
+    void signalsWhileClosingAreIgnored()
     {
         QLockFile delay(folder->path() + ".lock"); // delays the exit for seconds
         QVERIFY(delay.lock());
         startWith("window");
-        send(SIGTERM);
-        QVERIFY(!process.waitForFinished(1000));
-        send(SIGTERM);
-        QVERIFY(process.waitForFinished(1000));
-        QCOMPARE(process.exitStatus(), QProcess::CrashExit);
-        QCOMPARE(process.exitCode(), SIGTERM);
+        for (const int signal : {SIGTERM, SIGTERM, SIGHUP, SIGHUP, SIGINT, SIGINT}) {
+            send(signal);
+            QVERIFY(!process.waitForFinished(100));
+        }
+        delay.unlock();
+        verifyExitWith(markedRows(7));
+    }
+
+    void severalSignalsAtOnceCloseAndSave()
+    {
+        Rows expected = markedRows(7);
+        expected[2][1] = 42.5F;
+        std::mt19937 random(5);
+        const int rounds = sampleSize(2, 60);
+        for (int round = 0; round < rounds; ++round) {
+            init();
+            startWith("editor", {"timeout", "600"});
+            send(SIGTERM); // timeout sends it to the program and to the process group
+            verifyExitWith(expected);
+            if (QTest::currentTestFailed())
+                return;
+
+            init();
+            startWith("editor");
+            for (auto count = 2 + random() % 4; count > 0; --count) {
+                const int kinds[] = {SIGTERM, SIGHUP, SIGINT};
+                send(kinds[random() % 3]);
+                QThread::msleep(random() % 10);
+            }
+            verifyExitWith(expected);
+            if (QTest::currentTestFailed())
+                return;
+        }
     }
 
     void ignoredSignalStaysIgnored()
