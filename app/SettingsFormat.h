@@ -18,6 +18,6 @@ constexpr auto windowState = "windowState";
 bool readSettings(QIODevice &file, QSettings::SettingsMap &values);
 
 /// Writes to `file`, a QSaveFile, the content of the file that it will replace, with the entries of the four keys set
-/// to `values`, which has no other keys. Keeps all other bytes. Returns false on read and write errors and if the file is
-/// or becomes larger than 64 MiB.
+/// to `values`, which has no other keys. Keeps all other bytes. Returns false on read and write errors, and if the file
+/// is or becomes larger than 64 MiB.
 bool writeSettings(QIODevice &file, const QSettings::SettingsMap &values);

@@ -25,18 +25,10 @@ extern "C" void writeToPipe(int /*signal*/)
     errno = before;
 }
 
-void closeAllWindows()
-{
-    if (QWidget *focused = QApplication::focusWidget())
-        focused->clearFocus(); // commits an open editor
-    QApplication::closeAllWindows();
-    QCoreApplication::quit(); // closing a minimised or hidden window may not end the event loop
-}
-
 } // namespace
 #endif
 
-void closeOnTerminationSignals(QObject *parent)
+void closeOnTerminationSignals([[maybe_unused]] QObject *parent)
 {
 #ifdef Q_OS_UNIX
     if (pipe(pipeEnds) != 0)
@@ -48,7 +40,10 @@ void closeOnTerminationSignals(QObject *parent)
     auto *notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, parent);
     QObject::connect(notifier, &QSocketNotifier::activated, notifier, [notifier] {
         notifier->setEnabled(false); // ignores further signals
-        closeAllWindows();
+        if (QWidget *focused = QApplication::focusWidget())
+            focused->clearFocus(); // commits an open editor
+        QApplication::closeAllWindows();
+        QCoreApplication::quit(); // closing a minimised or hidden window may not end the event loop
     });
 
     for (const int signal : {SIGTERM, SIGHUP, SIGINT}) {
@@ -60,7 +55,5 @@ void closeOnTerminationSignals(QObject *parent)
         action.sa_flags = SA_RESTART;
         sigaction(signal, &action, nullptr);
     }
-#else
-    Q_UNUSED(parent)
 #endif
 }
