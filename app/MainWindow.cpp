@@ -3,7 +3,6 @@
 #include "app/Clipboard.h"
 #include "app/Settings.h"
 #include "app/SettingsFormat.h"
-#include "app/WindowStateCheck.h"
 #include "engine/Pendrix3D.h"
 #include "table/Model.h"
 #include "ui_MainWindow.h"
@@ -11,12 +10,67 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QMessageBox>
+#include <QRegularExpression>
 #include <QScreen>
+
+#include <algorithm>
 
 namespace {
 
 /// The largest accepted column width in pixels, wider than any screen. A larger one is damaged.
 constexpr int widestColumn = 20000;
+
+/// Returns whether `state` is a layout of the main window as QMainWindow::saveState writes it, with the curve's dock
+/// visible: the two docks, each in its area, and the toolbar in any area. Sizes, positions and the visibility of the
+/// table's dock and of the toolbar may have any values.
+///
+/// QMainWindow::restoreState crashes or hangs on damaged areas and counts, and the user could not show a hidden curve
+/// again.
+bool isUsableWindowState(const QByteArray &state)
+{
+    // In hexadecimal, with the names in UTF-16.
+    static const QRegularExpression pattern(QRegularExpression::anchoredPattern(
+        "000000ff00000000fd00000002"                                         // version 0, two dock areas:
+        "00000000.{16}fc0[12]00000001fb"                                     // left, its size; one dock:
+        "000000140064006f0063006b0050006100720061006d00730[01].{32}"         // "dockParams", its visibility, sizes
+        "00000001.{16}fc0[12]00000001fb"                                     // right, its size; one dock:
+        "000000140064006f0063006b00570069006400670065007401.{32}"            // "dockWidget", visible, sizes
+        ".{16}(0000000[1-8]){4}"                                             // size of the centre, corners
+        "fc000000010000000[0-3]00000001"                                     // one toolbar line; one toolbar:
+        "00000016006d00610069006e0054006f006f006c0042006100720[0-3].{32}")); // "mainToolBar", flags, sizes
+    return pattern.match(QString::fromLatin1(state.toHex())).hasMatch();
+}
+
+/// Restores `geometry`, of QWidget::saveGeometry, then corrects it: `window` is not larger than the desktop, and if the
+/// pointer cannot grab its title bar, it moves onto the nearest screen.
+void restoreOnScreen(QWidget &window, const QByteArray &geometry)
+{
+    const QSize formSize = window.size();
+    if (!window.restoreGeometry(geometry))
+        return;
+    // The coordinates may be any int. Limits them, so that no calculation overflows. Empty: a damaged rectangle.
+    QRect rect = window.geometry() & QRect(-99999, -99999, 199999, 199999);
+    const QSize desktop = QGuiApplication::primaryScreen()->availableVirtualSize();
+    rect.setSize((rect.isEmpty() ? formSize : rect.size()).boundedTo(desktop));
+    // Returns -1 if half of a title bar 20 pixels high is on the screen, 40 pixels wide.
+    const auto distance = [&rect](const QScreen *screen) {
+        const QRect area = screen->availableGeometry();
+        const bool canGrab = area.adjusted(41 - rect.width(), 10, -40, 10).contains(rect.topLeft());
+        return canGrab ? -1 : (area.center() - rect.center()).manhattanLength();
+    };
+    const auto isNearer = [&](const QScreen *a, const QScreen *b) { return distance(a) < distance(b); };
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    const QScreen *nearest = *std::min_element(screens.cbegin(), screens.cend(), isNearer);
+    if (distance(nearest) >= 0) {
+        const QRect area = nearest->availableGeometry();
+        rect.moveBottomRight({std::min(rect.right(), area.right()), std::min(rect.bottom(), area.bottom())});
+        rect.moveTopLeft({std::max(rect.left(), area.left()), std::max(rect.top(), area.top() + 20)});
+    }
+    const Qt::WindowStates states = window.windowState();
+    window.setWindowState(Qt::WindowNoState); // for the normal geometry of a maximised window
+    window.setGeometry(rect);
+    window.setWindowState(states);
+}
 
 /// Updates the table after changes of the parameter list.
 void refresh(const TableParams &table)
@@ -51,18 +105,9 @@ void MainWindow::loadSettings()
     // If this version of Qt writes another format, which the check does not recognise, skip the check.
     if (isUsableWindowState(layout) || !isUsableWindowState(saveState()))
         restoreState(layout);
-    // restoreState and restoreGeometry accept any size, and the pixels of a huge window would take gigabytes.
-    const QSize largest = QGuiApplication::primaryScreen()->availableVirtualSize();
     if (ui->mainToolBar->isFloating())
-        ui->mainToolBar->resize(ui->mainToolBar->size().boundedTo(largest));
-
-    QVector<QRect> screens;
-    const QList<QScreen *> screenList = QGuiApplication::screens();
-    for (const QScreen *screen : screenList)
-        screens << screen->availableGeometry();
-    const QByteArray geometry = settings->value(SettingsKey::geometry).toByteArray();
-    if (isUsableGeometry(geometry, screens) && restoreGeometry(geometry))
-        resize(size().boundedTo(largest));
+        ui->mainToolBar->resize(ui->mainToolBar->sizeHint()); // restoreState accepts any size
+    restoreOnScreen(*this, settings->value(SettingsKey::geometry).toByteArray());
 
     const auto widths = settings->value(SettingsKey::colsWidth).value<QVector<int>>();
     for (int i = 0; i < ui->tableParams->model->columnCount() && i < widths.size(); ++i) {

@@ -5,6 +5,7 @@
 #include "tests/app/FileFaults.h"
 #include "tests/support/ApplicationTest.h"
 #include "tests/support/SampleSize.h"
+#include "tests/support/Sanitizer.h"
 #include "tests/support/SettingsText.h"
 #include "ui_MainWindow.h"
 
@@ -14,6 +15,9 @@
 #include <cstdio>
 #include <limits>
 #include <memory>
+#include <random>
+
+#include <sys/resource.h>
 
 namespace {
 
@@ -165,7 +169,7 @@ private slots:
         }
     }
 
-    void floatingToolbarIsRestoredNoLargerThanScreen()
+    void floatingToolbarIsRestoredWithSizeOfItsContents()
     {
         {
             const MainWindow window;
@@ -174,7 +178,7 @@ private slots:
         }
         const MainWindow window;
         QVERIFY(window.ui->mainToolBar->isFloating());
-        QCOMPARE(window.ui->mainToolBar->size(), QGuiApplication::primaryScreen()->virtualSize());
+        QCOMPARE(window.ui->mainToolBar->size(), window.ui->mainToolBar->sizeHint());
     }
 
     void layoutThatHidesCurveIsIgnored()
@@ -221,10 +225,11 @@ private slots:
 
     // ---- Geometry ----
 
-    void geometryOutsideScreensIsIgnored_data()
+    void geometryIsRestoredOnScreen_data()
     {
         QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QRect>("expected"); // null: ignored
+        QTest::addColumn<QRect>("expected"); // null: not restored
+        const QSize form(701, 605);
         const auto row = [](const char *name, const QRect &current, const QRect &expected) {
             Geometry geometry;
             geometry.current = current;
@@ -236,33 +241,37 @@ private slots:
         row("title bar at the bottom", {100, 1023, 300, 200}, {100, 1023, 300, 200});
         row("half a title bar at the bottom", {100, 1033, 300, 200}, {100, 824, 300, 200}); // Qt moves it
         row("larger than screen", {10, 30, 100000, 5000}, {10, 30, 1280, 1024});
-        row("39 pixels at the left edge", {-260, 120, 300, 200}, {});
-        row("40 pixels at the right edge", {1240, 120, 300, 200}, {});
-        row("12 pixels wide", {100, 120, 12, 200}, {});
-        row("less than half a title bar at the bottom", {100, 1034, 300, 200}, {});
-        row("above the screen", {100, -11, 300, 200}, {});
-        row("beside the screen", {5000, 120, 300, 200}, {});
-        row("no width", {100, 120, 0, 200}, {});
-        row("negative height", {100, 120, 300, -7}, {});
+        row("40 pixels at the left edge, of 300", {-260, 120, 300, 200}, {0, 120, 300, 200});
+        row("40 pixels at the right edge", {1240, 120, 300, 200}, {980, 120, 300, 200});
+        row("12 pixels wide", {100, 120, 12, 200}, {100, 120, 12, 200}); // show widens it
+        row("less than half a title bar at the bottom", {100, 1034, 300, 200}, {100, 824, 300, 200});
+        row("above the screen", {100, -11, 300, 200}, {100, 20, 300, 200});
+        row("on a screen that is gone", {2000, 120, 900, 700}, {380, 120, 900, 700});
+        row("no width", {100, 120, 0, 200}, {{100, 120}, form});
+        row("negative height", {100, 120, 300, -7}, {{100, 120}, form});
         const int low = std::numeric_limits<int>::min();
-        row("extreme coordinates", QRect(QPoint(low, low), QPoint(low + 5, low + 5)), {});
+        row("lowest coordinates", QRect(QPoint(low, low), QPoint(low + 5, low + 5)), {0, 20, 6, 6});
+        row("lowest to highest", QRect(QPoint(low + 200, 30), QPoint(200, -(low + 1))), {{0, 20}, form});
 
         const Geometry good;
-        QTest::newRow("truncated") << good.bytes().chopped(1) << QRect();
+        QTest::newRow("truncated") << good.bytes().chopped(1) << QRect({100, 120}, form);
+        QTest::newRow("of unknown version") << good.bytes().replace(4, 2, QByteArray("\0\4", 2)) << QRect();
         QTest::newRow("of Qt 5.3") << good.bytes().replace(4, 2, QByteArray("\0\2", 2)).left(50) << good.normal;
         Geometry geometry;
         geometry.frame = QRect(5, 5, -1, 7);
-        QTest::newRow("invalid frame") << geometry.bytes() << QRect();
+        QTest::newRow("invalid frame") << geometry.bytes() << geometry.current;
         geometry = good;
         geometry.normal = QRect(5, 5, 7, -1);
-        QTest::newRow("invalid normal rectangle") << geometry.bytes() << QRect();
+        QTest::newRow("invalid normal rectangle") << geometry.bytes() << geometry.current;
         geometry.normal = {5000, 5000, 300, 200};
         QTest::newRow("unused rectangle beside the screen") << geometry.bytes() << geometry.current;
         geometry.isMaximized = true;
-        QTest::newRow("maximised, normally beside the screen") << geometry.bytes() << QRect();
+        QTest::newRow("maximised, normally beside the screen") << geometry.bytes() << QRect(980, 824, 300, 200);
+        geometry.normal = {10, 30, 100000, 5000};
+        QTest::newRow("maximised, normally larger than screen") << geometry.bytes() << QRect(10, 30, 1280, 1024);
     }
 
-    void geometryOutsideScreensIsIgnored()
+    void geometryIsRestoredOnScreen()
     {
         QFETCH(QByteArray, bytes);
         QFETCH(QRect, expected);
@@ -271,7 +280,40 @@ private slots:
         if (expected.isNull())
             QCOMPARE(window->size(), QSize(701, 605));
         else
-            QCOMPARE(window->geometry(), expected);
+            QCOMPARE(window->isMaximized() ? window->normalGeometry() : window->geometry(), expected);
+    }
+
+    void damagedGeometryIsRestoredOnScreenInLittleMemory()
+    {
+        const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+        const QByteArray good = Geometry().bytes();
+        QVector<QByteArray> damaged;
+        for (int bit = 0; bit < 8 * good.size(); bit += sampleSize(13, 1)) {
+            damaged << good;
+            damaged.last()[bit / 8] = static_cast<char>(good.at(bit / 8) ^ (1U << (bit % 8)));
+        }
+        std::mt19937 random(3);
+        for (int round = sampleSize(50, 3000); round > 0; --round) {
+            damaged << good.left(8);
+            while (damaged.last().size() < good.size())
+                damaged.last() += static_cast<char>(random() % 2 == 0 ? good.at(damaged.last().size()) : random());
+        }
+        for (const QByteArray &bytes : qAsConst(damaged)) {
+            const auto window = windowWith("[General]\n" + byteArrayLine("geometry", bytes));
+            for (const QRect &rect : {window->geometry(), window->normalGeometry()}) {
+                const QRect title = rect.adjusted(0, -20, 0, 20 - rect.height()) & screen;
+                QVERIFY2(title.width() >= std::min(rect.width(), 40) && title.height() >= 10, bytes.toHex());
+                QVERIFY2(rect.width() <= screen.width() && rect.height() <= screen.height(), bytes.toHex());
+            }
+            window->show();
+            QCoreApplication::processEvents();
+            QVERIFY2(screen.width() >= window->width() && screen.height() >= window->height(), bytes.toHex());
+        }
+#ifndef PENDRIX_ADDRESS_SANITIZER
+        rusage usage = {};
+        QVERIFY(getrusage(RUSAGE_SELF, &usage) == 0);
+        QVERIFY2(usage.ru_maxrss < 200 * 1024, QByteArray::number(static_cast<int>(usage.ru_maxrss)));
+#endif
     }
 
     void maximisedWindowIsRestored()
