@@ -298,6 +298,7 @@ private slots:
             while (damaged.last().size() < good.size())
                 damaged.last() += static_cast<char>(random() % 2 == 0 ? good.at(damaged.last().size()) : random());
         }
+        int count = 0;
         for (const QByteArray &bytes : qAsConst(damaged)) {
             const auto window = windowWith("[General]\n" + byteArrayLine("geometry", bytes));
             for (const QRect &rect : {window->geometry(), window->normalGeometry()}) {
@@ -305,6 +306,8 @@ private slots:
                 QVERIFY2(title.width() >= std::min(rect.width(), 40) && title.height() >= 10, bytes.toHex());
                 QVERIFY2(rect.width() <= screen.width() && rect.height() <= screen.height(), bytes.toHex());
             }
+            if (++count % 10 != 0)
+                continue; // showing takes most of the time
             window->show();
             QCoreApplication::processEvents();
             QVERIFY2(screen.width() >= window->width() && screen.height() >= window->height(), bytes.toHex());
