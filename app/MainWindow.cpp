@@ -46,7 +46,11 @@ bool isUsableWindowState(const QByteArray &state)
 void restoreOnScreen(QWidget &window, const QByteArray &geometry)
 {
     const QSize formSize = window.size();
-    if (!window.restoreGeometry(geometry))
+    // Bytes 46 to 49 are the width of the screen. If they are not 0, Qt rejects the geometry of another screen.
+    QByteArray anyScreen = geometry;
+    if (anyScreen.size() >= 50)
+        std::fill_n(anyScreen.begin() + 46, 4, '\0');
+    if (!window.restoreGeometry(anyScreen))
         return;
     // The coordinates may be any int. Limits them, so that no calculation overflows. Empty: a damaged rectangle.
     QRect rect = window.geometry() & QRect(-99999, -99999, 199999, 199999);

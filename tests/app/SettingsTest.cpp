@@ -28,12 +28,13 @@ struct Geometry
     QRect normal{100, 120, 300, 200};
     QRect current{100, 120, 300, 200};
     bool isMaximized = false;
+    int screenWidth = QGuiApplication::primaryScreen()->geometry().width();
 
     QByteArray bytes() const
     {
         return streamed(0x1D9D0CBU) + streamed(quint16{3}) + streamed(quint16{0}) + streamed(frame) + streamed(normal) +
-               streamed(qint32{0}) + streamed(isMaximized) + streamed(false) +
-               streamed(QGuiApplication::primaryScreen()->geometry().width()) + streamed(current);
+               streamed(qint32{0}) + streamed(isMaximized) + streamed(false) + streamed(screenWidth) +
+               streamed(current);
     }
 };
 
@@ -252,6 +253,10 @@ private slots:
         const int low = std::numeric_limits<int>::min();
         row("lowest coordinates", QRect(QPoint(low, low), QPoint(low + 5, low + 5)), {0, 20, 6, 6});
         row("lowest to highest", QRect(QPoint(low + 200, 30), QPoint(200, -(low + 1))), {{0, 20}, form});
+
+        Geometry wide;
+        wide.screenWidth = 2560;
+        QTest::newRow("of a wider screen") << wide.bytes() << wide.current;
 
         const Geometry good;
         QTest::newRow("truncated") << good.bytes().chopped(1) << QRect({100, 120}, form);
