@@ -66,7 +66,7 @@ unsigned int blendedChannel(int from, int to, float t)
     return byteOf(static_cast<double>(value) + 0.5);
 }
 
-double between(double from, double to, double t)
+double lerp(double from, double to, double t)
 {
     return (to - from) * t + from;
 }
@@ -136,8 +136,8 @@ unsigned int ColorScaleHSL(unsigned int c0, unsigned int c1, float t)
     RGBtoHLS(c0, pair[0].h, pair[0].l, pair[0].s);
     RGBtoHLS(c1, pair[1].h, pair[1].l, pair[1].s);
     const auto fraction = static_cast<double>(t);
-    return HLStoRGB(between(pair[0].h, pair[1].h, fraction), between(pair[0].l, pair[1].l, fraction),
-                    between(pair[0].s, pair[1].s, fraction));
+    return HLStoRGB(lerp(pair[0].h, pair[1].h, fraction), lerp(pair[0].l, pair[1].l, fraction),
+                    lerp(pair[0].s, pair[1].s, fraction));
 }
 
 unsigned int ColorScaleRGB3(unsigned int c0, unsigned int c1, unsigned int c2, float w0, float w1, float w2)

@@ -53,7 +53,7 @@ DampedSineMethod &methodInUse()
 
 /// Returns the index of the first 1 among `flags`, from index `begin` on, or `end` if there is none. The other flags
 /// are 0. Calls memchr because compilers do not vectorise a search loop.
-int nextSet(const int *flags, int begin, int end)
+int nextUndecided(const int *flags, int begin, int end)
 {
     const auto *const bytes = reinterpret_cast<const char *>(flags + begin);
     const void *const found = std::memchr(bytes, 1, static_cast<std::size_t>(end - begin) * sizeof *flags);
@@ -83,7 +83,7 @@ int dampedSines(const float *angles, const float *amplitudes, float *displacemen
         const int length = std::min(count - first, blockLength);
         if (!kernel(angles + first, amplitudes + first, displacements + first, undecided, length))
             continue;
-        for (int i = nextSet(undecided, 0, length); i < length; i = nextSet(undecided, i + 1, length))
+        for (int i = nextUndecided(undecided, 0, length); i < length; i = nextUndecided(undecided, i + 1, length))
             computeByLibm(first + i);
     }
     return computed;

@@ -15,9 +15,9 @@ int PENDRIX_KERNEL(const float *__restrict angles, const float *__restrict ampli
         const double product = vectorSine(static_cast<double>(angles[i])) * static_cast<double>(amplitudes[i]);
         const auto nearer = static_cast<float>(product * (1.0 - 0x1p-35));
         const auto farther = static_cast<float>(product * (1.0 + 0x1p-35));
-        const float size = __builtin_fabsf(angles[i]);
+        const float magnitude = __builtin_fabsf(angles[i]);
         // False for NaN.
-        const bool decided = (nearer == farther) & (size <= 0x1p+22F);
+        const bool decided = (nearer == farther) & (magnitude <= 0x1p+22F);
         displacements[i] = nearer;
         undecided[i] = decided ? 0 : 1;
         anyUndecided |= undecided[i];

@@ -18,7 +18,8 @@ void Pendrix3D::draw()
         qreal g = 0.0;
         qreal b = 0.0;
         qreal a = 1.0;
-        // One call instead of four. Does not set the components of an invalid colour, which is opaque black.
+        // One call instead of four. getRgbF leaves the variables unchanged if the colour is invalid, so an invalid
+        // colour is drawn opaque black.
         colors.at(i).getRgbF(&r, &g, &b, &a);
         glColor4f(static_cast<float>(r), static_cast<float>(g), static_cast<float>(b), static_cast<float>(a));
     }

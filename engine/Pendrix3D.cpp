@@ -103,7 +103,7 @@ void Pendrix3D::setRandom()
     row.reserve(rowLength);
     while (row.size() < rowLength - 1)
         row.append(static_cast<float>(std::rand() % 100));
-    row.append(static_cast<float>(std::rand() % 5));
+    row.append(static_cast<float>(std::rand() % colorModeCount));
     set(row);
 }
 

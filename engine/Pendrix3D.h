@@ -31,6 +31,8 @@ public:
     static constexpr int rowCount = 64;
     /// Number of values in a parameter row.
     static constexpr int rowLength = 6;
+    /// Number of colour modes, which are 0 to `colorModeCount` - 1.
+    static constexpr int colorModeCount = 5;
 
     /// Builds the palette and the presets, seeds `rand` from the time, computes the curve of preset 0 and fills
     /// `paramList`.
@@ -48,7 +50,7 @@ public:
     /// Makes these values, in row order, current and computes the curve.
     void set(float f1, float f2, float f3, float p1, float p2, int c);
 
-    /// Makes a random row current and computes its curve: five whole numbers 0 to 99 and a colour mode 0 to 4, each
+    /// Makes a random row current and computes its curve: five whole numbers 0 to 99 and one of the colour modes, each
     /// from one call of `rand`, in row order. Does not change `paramList` and `setIndex`.
     void setRandom();
 
@@ -81,7 +83,8 @@ public:
     void next(double dFreq1, double dFreq3);
 
     /// Computes the curve of the current parameters: `nPoints` points, and in `colors` the colour of each. Copies the
-    /// parameters to `params`. Leaves the last point in the fields.
+    /// parameters to `params`. Stores the last point in `x`, `y`, `z`, `t`,
+    /// `amplitude`, `red`, `green` and `blue`.
     ///
     /// The number of points is int(total / step), or 0 if the quotient is NaN or does not fit an int. Both lists keep
     /// their storage, so that a pass allocates nothing once they have grown.
@@ -150,8 +153,9 @@ public:
     float total = 1.0F;
     /// Divisor of the radius in colour mode 2.
     float radiusScale = 1.0F;
-    /// What the palette position follows: 0 the index of the point, 1 the height z, 2 the distance from the centre,
-    /// 3 the time, one sweep per 2 pi, 4 the time, eight sweeps per 2 pi. Any other mode selects entry 0.
+    /// What the palette position follows: 0 the position along the curve, 1 the depth at the start (z), 2 the distance
+    /// from the centre, 3 the time, one sweep per 2 pi, 4 the time, eight sweeps per 2 pi. Any other mode selects entry
+    /// 0.
     int colorMode = 1;
 
     /// The twelve built-in rows; constant after construction.
@@ -171,7 +175,8 @@ private:
     static constexpr int blockLength = 256;
 
     /// Computes `count` points (1 to blockLength) from point `first` on into `point`, and their palette indices into
-    /// `indices`. Advances `t` and `amplitude`. Leaves the last point in the fields.
+    /// `indices`. Advances `t` and `amplitude`. Stores the last point in `x`, `y`, `z`,
+    /// `red`, `green` and `blue`.
     void calcBlock(int first, int count, CurvePoint *point, int *indices);
 
     /// The palette of the current pass as QColor. A pass constructs these colours and the points' colours in place:

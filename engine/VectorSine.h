@@ -3,8 +3,8 @@
 // A sine for vectorised loops. Only for files that are compiled for one instruction set each: this header includes
 // nothing, so that no inline function compiled for one processor ends up in a program that runs on another.
 
-/// Returns the sine of `angle`, a float whose absolute value is at most 2^22. Any other angle gives any double. Keeps
-/// the sign of a zero.
+/// Returns the sine of `angle`, a float whose absolute value is at most 2^22. For other
+/// angles, the result is unspecified. Keeps the sign of a zero.
 ///
 /// The relative error is less than 1.75 * 2^-36, with or without fused multiply-add. SineErrorBenchmark measures it for
 /// each of these floats.
@@ -17,10 +17,10 @@ static inline double vectorSine(double angle)
 {
     constexpr double pi1 = 0x1.921fb544p+1; // 31 bits: the product with k is exact
     constexpr double pi2 = 0x1.0b4611a626331p-33;
-    constexpr double oneByPi = 0x1.45f306dc9c883p-2;
+    constexpr double inversePi = 0x1.45f306dc9c883p-2;
     constexpr double roundingShift = 0x1.8p+52; // sums near it are rounded to whole numbers
 
-    const double shifted = angle * oneByPi + roundingShift;
+    const double shifted = angle * inversePi + roundingShift;
     const double k = shifted - roundingShift;
     const double r = (angle - k * pi1) - k * pi2;
     const double rr = r * r;

@@ -38,17 +38,24 @@ measure "$on_display" "$app/WindowBenchmark"
 {
   echo "Measured on$(sed -n 's/^model name[^:]*://p' /proc/cpuinfo | head -n 1), $(nproc) processors"
   awk '
-    { time[$1] = $2 }
+    {
+      time[$1] = $2
+      if (match($1, /mode:[0-9]+/) && substr($1, RSTART + 5, RLENGTH - 5) + 0 > other)
+        other = substr($1, RSTART + 5, RLENGTH - 5) + 0 # the mode after the last one
+    }
     function ratio(what) { return what in time ? sprintf("%.2f", time[what] / time["bareSines"]) : "-" }
     function row(title, what) { printf "%-42s %6s\n", title, ratio(what) }
     function modes(title, what,    mode) {
       printf "%-42s", title
-      for (mode = 0; mode <= 5; ++mode)
+      for (mode = 0; mode <= other; ++mode)
         printf " %6s", ratio(what "mode:" mode)
       print ""
     }
-    function methods(what) {
-      printf "\n%-42s %6d %6d %6d %6d %6d %6s\n", "by colour mode", 0, 1, 2, 3, 4, "other"
+    function methods(what,    mode) {
+      printf "\n%-42s", "by colour mode"
+      for (mode = 0; mode < other; ++mode)
+        printf " %6d", mode
+      printf " %6s\n", "other"
       modes("sines by libm", what "/method:0/")
       modes("baseline (SSE2 on x86-64)", what "/method:1/")
       modes("AVX2", what "/method:2/")
@@ -76,7 +83,7 @@ measure "$on_display" "$app/WindowBenchmark"
     }' "$figures"
   printf '\nThe program compared with its form and a static curve. Required: 1.05 or less for memory and processor per frame\n'
   "$on_display" benchmarks/app/start-and-frames.sh \
-    build/release/pendrix3d "$app/pendrix_baseline" "$app/libpendrix_first_frame.so" "$starts"
+    build/release/pendrix3d "$app/pendrix_skeleton" "$app/libpendrix_first_frame.so" "$starts"
   echo
   "$engine/SineErrorBenchmark" "$every"
 } | tee build/release/bench.txt

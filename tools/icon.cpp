@@ -1,9 +1,9 @@
-// Writes the program's icon as SVG to standard output: icon SIZE
+// Writes the program's icon as SVG to standard output: pendrix_icon SIZE
 //
 // SIZE is the intended width in pixels: smaller icons have fewer and thicker turns of the curve. The drawing for 512
 // can be scaled up.
 //
-// Shows the engine's curve of the second preset, coloured by height and tilted. Its frequencies are whole numbers, so
+// Shows the engine's curve of the second preset, coloured by depth and tilted. Its frequencies are whole numbers, so
 // that each turn is almost closed and the drawing can leave turns out.
 
 #include "engine/Pendrix3D.h"
@@ -43,25 +43,25 @@ constexpr Style styles[] = {
 };
 
 /// Point of the drawing: x to the right, y down, z to the viewer.
-struct Place
+struct DrawingPoint
 {
     double x;
     double y;
     double z;
 };
 
-Place operator+(const Place &a, const Place &b)
+DrawingPoint operator+(const DrawingPoint &a, const DrawingPoint &b)
 {
     return {a.x + b.x, a.y + b.y, a.z + b.z};
 }
 
-Place operator*(const Place &a, double factor)
+DrawingPoint operator*(const DrawingPoint &a, double factor)
 {
     return {a.x * factor, a.y * factor, a.z * factor};
 }
 
 /// Projects `point` of the tilted figure, seen from a distance of 5 units.
-Place seen(const CurvePoint &point)
+DrawingPoint projected(const CurvePoint &point)
 {
     constexpr double tilt = -25.0 * pi / 180.0;
     constexpr double distance = 5.0;
@@ -75,25 +75,25 @@ Place seen(const CurvePoint &point)
 }
 
 /// Returns the curve's points in the drawing, centred and scaled to `extent`. Keeps z.
-QVector<Place> drawing(const QVector<CurvePoint> &points, double extent)
+QVector<DrawingPoint> drawing(const QVector<CurvePoint> &curve, double extent)
 {
-    QVector<Place> places;
-    places.reserve(points.size());
-    std::transform(points.cbegin(), points.cend(), std::back_inserter(places), seen);
-    const auto byX =
-        std::minmax_element(places.cbegin(), places.cend(), [](const Place &a, const Place &b) { return a.x < b.x; });
-    const auto byY =
-        std::minmax_element(places.cbegin(), places.cend(), [](const Place &a, const Place &b) { return a.y < b.y; });
+    QVector<DrawingPoint> points;
+    points.reserve(curve.size());
+    std::transform(curve.cbegin(), curve.cend(), std::back_inserter(points), projected);
+    const auto byX = std::minmax_element(points.cbegin(), points.cend(),
+                                         [](const DrawingPoint &a, const DrawingPoint &b) { return a.x < b.x; });
+    const auto byY = std::minmax_element(points.cbegin(), points.cend(),
+                                         [](const DrawingPoint &a, const DrawingPoint &b) { return a.y < b.y; });
     const double left = byX.first->x;
     const double right = byX.second->x;
     const double top = byY.first->y;
     const double bottom = byY.second->y;
     const double scale = extent / std::max(right - left, bottom - top);
-    for (Place &place : places) {
-        place.x = side / 2.0 + (place.x - (left + right) / 2.0) * scale;
-        place.y = side / 2.0 + (place.y - (top + bottom) / 2.0) * scale;
+    for (DrawingPoint &point : points) {
+        point.x = side / 2.0 + (point.x - (left + right) / 2.0) * scale;
+        point.y = side / 2.0 + (point.y - (top + bottom) / 2.0) * scale;
     }
-    return places;
+    return points;
 }
 
 /// Returns a channel of the curve's colour on the dark plate: brighter, because pure blue is too dark there, and dimmed
@@ -104,9 +104,9 @@ int channel(int value, double nearness)
     return static_cast<int>(light * (0.6 + 0.4 * nearness));
 }
 
-QString coordinates(const Place &place)
+QString coordinates(const DrawingPoint &point)
 {
-    return QStringLiteral("%1 %2").arg(place.x, 0, 'f', 1).arg(place.y, 0, 'f', 1);
+    return QStringLiteral("%1 %2").arg(point.x, 0, 'f', 1).arg(point.y, 0, 'f', 1);
 }
 
 /// Piece of the line in one colour.
@@ -116,21 +116,21 @@ struct Piece
     QString path;
 };
 
-/// Returns the line between two indices of `places` as a cubic, in the colour of the middle point.
-Piece piece(const QVector<Place> &places, int first, int last, double lineWidth)
+/// Returns the line between two indices of `points` as a cubic, in the colour of the middle point.
+Piece piece(const QVector<DrawingPoint> &points, int first, int last, double lineWidth)
 {
-    const auto slope = [&places](int i) {
+    const auto slope = [&points](int i) {
         const int before = std::max(i - 1, 0);
-        const int after = std::min(i + 1, places.size() - 1);
-        return (places.at(after) + places.at(before) * -1.0) * (1.0 / (after - before));
+        const int after = std::min(i + 1, points.size() - 1);
+        return (points.at(after) + points.at(before) * -1.0) * (1.0 / (after - before));
     };
     const double third = (last - first) / 3.0;
     const QString data = QStringLiteral("M%1C%2 %3 %4")
-                             .arg(coordinates(places.at(first)), coordinates(places.at(first) + slope(first) * third),
-                                  coordinates(places.at(last) + slope(last) * -third), coordinates(places.at(last)));
+                             .arg(coordinates(points.at(first)), coordinates(points.at(first) + slope(first) * third),
+                                  coordinates(points.at(last) + slope(last) * -third), coordinates(points.at(last)));
 
     const int middle = (first + last) / 2;
-    const double z = places.at(middle).z;
+    const double z = points.at(middle).z;
     const double nearness = std::clamp((z + 1.0) / 2.0, 0.0, 1.0);
     const QColor &color = pdx3.colors.at(middle);
     const QColor shown(channel(color.red(), nearness), channel(color.green(), nearness),
@@ -145,17 +145,17 @@ QString icon(const Style &style)
 {
     constexpr int piecesPerTurn = 52;
     QVector<float> row = pdx3.presets.at(1);
-    row[5] = 1.0F; // colours by height
+    row[5] = 1.0F; // colours by depth
     pdx3.set(row);
-    const QVector<Place> places = drawing(pdx3.points, style.extent);
+    const QVector<DrawingPoint> points = drawing(pdx3.points, style.extent);
     const auto pointAt = [](double turns) { return static_cast<int>(std::lround(turns * pointsPerTurn)); };
 
     QVector<Piece> pieces;
-    for (int turn = 0; pointAt(turn + 1) < places.size(); turn += style.every) {
+    for (int turn = 0; pointAt(turn + 1) < points.size(); turn += style.every) {
         for (int i = 0; i < piecesPerTurn; ++i) {
             const double begin = turn + static_cast<double>(i) / piecesPerTurn;
             const double end = turn + static_cast<double>(i + 1) / piecesPerTurn;
-            pieces.append(piece(places, pointAt(begin), pointAt(end), style.lineWidth));
+            pieces.append(piece(points, pointAt(begin), pointAt(end), style.lineWidth));
         }
     }
     std::stable_sort(pieces.begin(), pieces.end(), [](const Piece &a, const Piece &b) { return a.z < b.z; });
@@ -184,7 +184,7 @@ int main(int argc, char *argv[])
 {
     const int size = argc == 2 ? QString::fromLocal8Bit(argv[1]).toInt() : 0;
     if (size < 1) {
-        QTextStream(stderr) << "usage: icon SIZE\n";
+        QTextStream(stderr) << "usage: pendrix_icon SIZE\n";
         return 2;
     }
     const Style &style =

@@ -1,4 +1,4 @@
-// Takes a screenshot of a program: screenshot PROGRAM FILE [USE]
+// Takes a screenshot of a program: pendrix_screenshot PROGRAM FILE [USE]
 // Without arguments, reports by its exit status whether an X display is available.
 //
 // Starts PROGRAM, waits until its window shows a drawing, runs the command USE, saves a picture of the window as FILE
@@ -20,8 +20,8 @@
 
 namespace {
 
-constexpr int patience = 300000; // ms; a software renderer under valgrind starts slowly
-constexpr int pause = 50;        // ms between two checks
+constexpr int timeout = 300000; // ms; a software renderer under valgrind starts slowly
+constexpr int pause = 50;       // ms between two checks
 
 /// Returns the first visible top-level window with a title, 0 if there is none.
 Window findWindow(Display *display)
@@ -85,7 +85,7 @@ int ignoreError(Display * /*display*/, XErrorEvent * /*event*/)
 
 int failed(const QString &why)
 {
-    QTextStream(stderr) << "screenshot: " << why << '\n';
+    QTextStream(stderr) << "pendrix_screenshot: " << why << '\n';
     return 1;
 }
 
@@ -103,7 +103,7 @@ int main(int argc, char *argv[])
     QGuiApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() != 3 && arguments.size() != 4)
-        return failed(QStringLiteral("usage: screenshot PROGRAM FILE [USE]"));
+        return failed(QStringLiteral("usage: pendrix_screenshot PROGRAM FILE [USE]"));
     const QString &file = arguments.at(2);
 
     QProcess program;
@@ -119,7 +119,7 @@ int main(int argc, char *argv[])
     while (!showsDrawing(picture)) {
         if (program.waitForFinished(pause) || program.state() == QProcess::NotRunning)
             return failed(QStringLiteral("the program ended too early"));
-        if (clock.elapsed() > patience)
+        if (clock.elapsed() > timeout)
             return failed(window ? QStringLiteral("the window shows no drawing")
                                  : QStringLiteral("no window appeared"));
         window = findWindow(display);
@@ -130,14 +130,14 @@ int main(int argc, char *argv[])
         QProcess use;
         use.setProcessChannelMode(QProcess::ForwardedChannels);
         use.start(arguments.at(3), QStringList());
-        if (!use.waitForFinished(patience) || use.exitStatus() != QProcess::NormalExit || use.exitCode() != 0)
+        if (!use.waitForFinished(timeout) || use.exitStatus() != QProcess::NormalExit || use.exitCode() != 0)
             return failed(QStringLiteral("%1 failed").arg(arguments.at(3)));
         picture = QGuiApplication::primaryScreen()->grabWindow(window).toImage();
     }
     const bool saved = picture.save(file, "PNG");
 
     requestClose(display, window);
-    if (!program.waitForFinished(patience))
+    if (!program.waitForFinished(timeout))
         return failed(QStringLiteral("the window did not close"));
     if (!saved)
         return failed(QStringLiteral("cannot write %1").arg(file));

@@ -30,7 +30,7 @@ public:
     void setFPS(float fps);
 
     /// Multiplies a perspective onto the current matrix of the current context: a vertical field of view of `fovY`
-    /// degrees, `aspect` as width by height, and the near and far planes at `zNear` and `zFar`, both positive.
+    /// degrees, `aspect` as width / height, and the near and far planes at `zNear` and `zFar`, both positive.
     void perspectiveGL(double fovY, double aspect, double zNear, double zFar);
 
     /// Draws the scene. Called as the last step of every paint, with the context current.

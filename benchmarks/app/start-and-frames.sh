@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Compares the program with pendrix_baseline: start-and-frames.sh PROGRAM BASELINE PRELOAD [N]
-# Starts PROGRAM and BASELINE alternately, N times each, with PRELOAD (libpendrix_first_frame.so), which measures their
+# Compares the program with pendrix_skeleton: start-and-frames.sh PROGRAM SKELETON PRELOAD [N]
+# Starts PROGRAM and SKELETON alternately, N times each, with PRELOAD (libpendrix_first_frame.so), which measures their
 # frames. Prints medians and quartiles. N is 11 by default; a start takes about seven seconds.
 # Requires a display: scripts/on-virtual-display.sh benchmarks/app/start-and-frames.sh ...
 set -euo pipefail
@@ -11,7 +11,7 @@ if [ $# -lt 3 ] || [ $# -gt 4 ]; then
   exit 2
 fi
 program=$(realpath "$1")
-baseline=$(realpath "$2")
+skeleton=$(realpath "$2")
 preload=$(realpath "$3")
 rounds=${4:-11}
 
@@ -44,14 +44,14 @@ measure() {
 
 # Fill the caches: do not count the first start of each program.
 measure program "$program"
-measure baseline "$baseline"
+measure skeleton "$skeleton"
 : > "$scratch/figures"
 for ((round = 0; round < rounds; ++round)); do
   if ((round % 2 == 0)); then
     measure program "$program"
-    measure baseline "$baseline"
+    measure skeleton "$skeleton"
   else
-    measure baseline "$baseline"
+    measure skeleton "$skeleton"
     measure program "$program"
   fi
 done
@@ -80,8 +80,8 @@ awk '
     printf "%-28s", title
     column("program", what)
     printf "  "
-    column("baseline", what)
-    printf "  %6.3f\n", quantile("program", what, 0.5) / quantile("baseline", what, 0.5)
+    column("skeleton", what)
+    printf "  %6.3f\n", quantile("program", what, 0.5) / quantile("skeleton", what, 0.5)
   }
 
   {
@@ -94,7 +94,7 @@ awk '
   }
 
   END {
-    printf "%-28s %8s  %18s   %8s  %18s  %6s\n", "", "program", "quartiles", "baseline", "quartiles", "ratio"
+    printf "%-28s %8s  %18s   %8s  %18s  %6s\n", "", "program", "quartiles", "skeleton", "quartiles", "ratio"
     line("start to first frame, ms", "first")
     line("processor until then, ms", "work")
     line("resident then, MB", "memory")

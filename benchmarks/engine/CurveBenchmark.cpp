@@ -161,13 +161,14 @@ void allMethods(benchmark::internal::Benchmark *benchmark)
 
 void allMethodsAndModes(benchmark::internal::Benchmark *benchmark)
 {
-    benchmark->ArgNames({"method", "mode"})->ArgsProduct({{0, 1, 2, 3}, {0, 1, 2, 3, 4, 5}});
+    benchmark->ArgNames({"method", "mode"})->ArgsProduct(
+        {benchmark::CreateDenseRange(0, 3, 1), benchmark::CreateDenseRange(0, Pendrix3D::colorModeCount, 1)});
 }
 
 } // namespace
 
 BENCHMARK(bareSines)->Unit(benchmark::kMicrosecond);
-BENCHMARK(pointByPoint)->ArgName("mode")->DenseRange(0, 5)->Unit(benchmark::kMicrosecond);
+BENCHMARK(pointByPoint)->ArgName("mode")->DenseRange(0, Pendrix3D::colorModeCount)->Unit(benchmark::kMicrosecond);
 BENCHMARK(dampedSinesOnly)->Apply(allMethods)->Unit(benchmark::kMicrosecond);
 BENCHMARK(pass)->Apply(allMethodsAndModes)->Unit(benchmark::kMicrosecond);
 BENCHMARK(passAndDraw)->Apply(allMethodsAndModes)->Unit(benchmark::kMicrosecond);

@@ -6,7 +6,7 @@
 #include <QHBoxLayout>
 #include <qopengl.h>
 
-/// A view that draws a solid with one colour per face and turns it a little with every frame.
+/// A view that draws a solid with one colour per face and rotates it a little with every frame.
 class Solid : public Renderer
 {
     Q_OBJECT

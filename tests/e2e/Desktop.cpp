@@ -57,7 +57,7 @@ bool Desktop::startWindowManager()
     } manager;
     manager.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     manager.start("openbox", {"--config-file", PENDRIX_WINDOW_MANAGER_SETTINGS});
-    return manager.waitForStarted() && QTest::qWaitFor(isWindowManagerReady, patience);
+    return manager.waitForStarted() && QTest::qWaitFor(isWindowManagerReady, timeout);
 }
 
 void Desktop::close(WId window)
@@ -116,7 +116,7 @@ QByteArray Desktop::clipboard()
     QProcess xclip;
     xclip.start("xclip", {"-selection", "clipboard", "-out"});
     // Keep the event loop running: this process may own the clipboard.
-    if (!QTest::qWaitFor([&xclip] { return xclip.state() == QProcess::NotRunning; }, patience))
+    if (!QTest::qWaitFor([&xclip] { return xclip.state() == QProcess::NotRunning; }, timeout))
         xclip.kill();
     return xclip.readAllStandardOutput();
 }

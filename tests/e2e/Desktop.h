@@ -6,11 +6,11 @@
 #include <QWindow>
 #include <QtTest>
 
-/// The test's X display and its window manager, seen from outside the programs on it.
+/// The test's X display and its window manager, got from outside the programs on it.
 namespace Desktop {
 
 /// Longest wait for any effect, in ms: a software renderer on a loaded machine is slow.
-constexpr int patience = 45000;
+constexpr int timeout = 45000;
 
 /// Starts the window manager, which lives as long as the process, and waits until it gives the keyboard focus to new
 /// windows. Returns false if that never happens.
@@ -43,11 +43,11 @@ QByteArray clipboard();
 } // namespace Desktop
 
 /// QVERIFY and QCOMPARE with a deadline. QTRY_VERIFY counts its pauses only, not the time that a check takes.
-#define VERIFY_SOON(condition) QVERIFY(QTest::qWaitFor([&] { return static_cast<bool>(condition); }, Desktop::patience))
+#define VERIFY_SOON(condition) QVERIFY(QTest::qWaitFor([&] { return static_cast<bool>(condition); }, Desktop::timeout))
 #define COMPARE_SOON(actual, expected)                                                                                 \
     do {                                                                                                               \
-        auto seen = (actual);                                                                                          \
-        const decltype(seen) wanted = (expected);                                                                      \
-        if (!QTest::qWaitFor([&] { return (seen = (actual)) == wanted; }, Desktop::patience))                          \
-            QCOMPARE(seen, wanted);                                                                                    \
+        auto got = (actual);                                                                                           \
+        const decltype(got) wanted = (expected);                                                                       \
+        if (!QTest::qWaitFor([&] { return (got = (actual)) == wanted; }, Desktop::timeout))                            \
+            QCOMPARE(got, wanted);                                                                                     \
     } while (false)

@@ -23,9 +23,9 @@ private slots:
         const RunningProgram::Environment environment = {{"QT_SCALE_FACTOR", factor}};
         RunningProgram program;
         QVERIFY(program.start(environment));
-        const QRect place = program.geometry();
-        QVERIFY(std::abs(place.width() - 701 * scale) < scale);
-        QVERIFY(std::abs(place.height() - 605 * scale) < scale);
+        const QRect geometry = program.geometry();
+        QVERIFY(std::abs(geometry.width() - 701 * scale) < scale);
+        QVERIFY(std::abs(geometry.height() - 605 * scale) < scale);
 
         const int columnWidth = program.cell(0, 1).x() - program.cell(0, 0).x();
         QVERIFY2(std::abs(columnWidth - 100 * scale) <= scale, QByteArray::number(columnWidth)); // at 96 dpi
@@ -38,15 +38,15 @@ private slots:
         COMPARE_SOON(shownBy(program), 0);
 
         // Half a degree per unscaled pixel.
-        const QPoint start = program.place("view").center();
+        const QPoint start = program.geometryOf("view").center();
         program.drag(start, start + (QPointF(120, 0) * scale).toPoint(), {1});
         VERIFY_SOON(shows(program.view(), cone(0.002F), {0.0F, 60.0F, 0.0F}));
 
         QCOMPARE(program.close(), 0);
         QVERIFY(program.start(environment));
-        // Qt stores the place in unscaled pixels.
-        VERIFY_SOON((program.geometry().topLeft() - place.topLeft()).manhattanLength() <= 2);
-        QCOMPARE(program.geometry().size(), place.size());
+        // Qt stores the position in unscaled pixels.
+        VERIFY_SOON((program.geometry().topLeft() - geometry.topLeft()).manhattanLength() <= 2);
+        QCOMPARE(program.geometry().size(), geometry.size());
         QCOMPARE(program.close(), 0);
     }
 

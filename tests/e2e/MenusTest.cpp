@@ -12,17 +12,17 @@ class MenusTest : public QObject
     /// Chooses the entry `number`, counted from 1, of a menu.
     void choose(const QByteArray &menu, int number)
     {
-        program.click(program.place("menu " + menu).center());
+        program.click(program.geometryOf("menu " + menu).center());
         RunningProgram::press(number == 1 ? QStringList{"Down", "Return"} : QStringList{"Down", "Down", "Return"});
     }
 
-    /// Chooses File, reset, and clicks on the button `text` of its box.
+    /// Chooses File, reset, and clicks on the button `text` of its dialog.
     void answerReset(const QByteArray &text)
     {
         choose("File", 1);
         QVERIFY(program.hasBox());
-        QVERIFY(program.paintsFrames(3)); // the curve moves behind the box
-        Desktop::xdotool(Desktop::moveTo(program.place("button " + text).center()) + QStringList({"click", "1"}));
+        QVERIFY(program.paintsFrames(3)); // the curve moves behind the dialog
+        Desktop::xdotool(Desktop::moveTo(program.geometryOf("button " + text).center()) + QStringList({"click", "1"}));
         QVERIFY(program.isAlone());
     }
 
@@ -53,7 +53,7 @@ private slots:
     {
         choose("File", 2);
         QVERIFY(program.hasBox());
-        QVERIFY(program.place("button OK").isValid());
+        QVERIFY(program.geometryOf("button OK").isValid());
         RunningProgram::press({"Return"});
         QVERIFY(program.isAlone());
     }

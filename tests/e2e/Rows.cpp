@@ -9,22 +9,22 @@
 
 namespace {
 
-/// Returns the bounding box of the engine's curve in a view of `size`.
-QRect boxOf(const Pendrix3D &engine, const Rotation &turn, QSize size)
+/// Returns the bounding rectangle of the engine's curve in a view of `size`.
+QRect outlineOf(const Pendrix3D &engine, const Rotation &rotation, QSize size)
 {
     QMatrix4x4 matrix;
     matrix.viewport(0.0F, 0.0F, static_cast<float>(size.width()), static_cast<float>(size.height()));
     matrix.perspective(45.0F, static_cast<float>(size.width()) / static_cast<float>(size.height()), 1.0F, 15.0F);
     matrix.translate(0.0F, 0.0F, -5.0F);
-    matrix.rotate(180.0F - turn.aboutX, 1.0F, 0.0F, 0.0F);
-    matrix.rotate(turn.aboutY, 0.0F, 1.0F, 0.0F);
-    matrix.rotate(turn.aboutZ, 0.0F, 0.0F, 1.0F);
-    QRect box;
+    matrix.rotate(180.0F - rotation.aboutX, 1.0F, 0.0F, 0.0F);
+    matrix.rotate(rotation.aboutY, 0.0F, 1.0F, 0.0F);
+    matrix.rotate(rotation.aboutZ, 0.0F, 0.0F, 1.0F);
+    QRect outline;
     for (const CurvePoint &point : engine.points) {
         const QPoint pixel = matrix.map(QVector3D(point.x, point.y, point.z)).toPoint();
-        box |= QRect(pixel.x(), size.height() - pixel.y(), 1, 1);
+        outline |= QRect(pixel.x(), size.height() - pixel.y(), 1, 1);
     }
-    return box & QRect(QPoint(0, 0), size);
+    return outline & QRect(QPoint(0, 0), size);
 }
 
 } // namespace
@@ -68,17 +68,19 @@ int shownBy(RunningProgram &program)
     return shown.size() == 1 ? shown.first() : -1;
 }
 
-bool shows(const QImage &view, const Row &row, const Rotation &turn, int frames)
+bool shows(const QImage &view, const Row &row, const Rotation &rotation, int frames)
 {
     constexpr int tolerance = 5; // pixels: line ends, and the animation between the examined frames
     constexpr int stride = 20;   // frames
     static Pendrix3D engine;
-    const QRect seen = curveIn(view);
+    const QRect shown = curveIn(view);
     engine.set(row);
-    for (int frame = 0; frame <= frames && !seen.isEmpty(); frame += stride) {
-        const QRect box = boxOf(engine, turn, view.size());
-        if (std::abs(box.left() - seen.left()) <= tolerance && std::abs(box.top() - seen.top()) <= tolerance &&
-            std::abs(box.right() - seen.right()) <= tolerance && std::abs(box.bottom() - seen.bottom()) <= tolerance)
+    for (int frame = 0; frame <= frames && !shown.isEmpty(); frame += stride) {
+        const QRect outline = outlineOf(engine, rotation, view.size());
+        if (std::abs(outline.left() - shown.left()) <= tolerance &&
+            std::abs(outline.top() - shown.top()) <= tolerance &&
+            std::abs(outline.right() - shown.right()) <= tolerance &&
+            std::abs(outline.bottom() - shown.bottom()) <= tolerance)
             return true;
         engine.next(0.0004 * stride, 0.0004 * stride);
     }

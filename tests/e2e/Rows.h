@@ -37,9 +37,9 @@ struct Rotation
     float aboutZ = 0.0F;
 };
 
-/// Returns whether a picture of the view shows the curve of `row`, by its bounding box. For a row whose box changes
-/// with the animation, accepts the box of any of the first `frames` frames.
-bool shows(const QImage &view, const Row &row, const Rotation &turn = {}, int frames = 0);
+/// Returns whether a picture of the view shows the curve of `row`, by its bounding rectangle. For a row whose outline
+/// changes with the animation, accepts the outline of any of the first `frames` frames.
+bool shows(const QImage &view, const Row &row, const Rotation &rotation = {}, int frames = 0);
 
 /// Returns whether a picture of the view shows a curve in blue only, the colour of invalid colour modes.
 bool isBlue(const QImage &view);

@@ -29,7 +29,7 @@ void RunningProgram::launch(const Environment &environment, const QStringList &a
 bool RunningProgram::start(const Environment &environment, const QStringList &arguments)
 {
     launch(environment, arguments);
-    return isAlone() && QTest::qWaitFor([this] { return !curveIn(view()).isEmpty(); }, Desktop::patience);
+    return isAlone() && QTest::qWaitFor([this] { return !curveIn(view()).isEmpty(); }, Desktop::timeout);
 }
 
 int RunningProgram::close()
@@ -40,13 +40,13 @@ int RunningProgram::close()
 
 int RunningProgram::exitCode()
 {
-    if (!QTest::qWaitFor([this] { return process.state() == QProcess::NotRunning; }, Desktop::patience) ||
+    if (!QTest::qWaitFor([this] { return process.state() == QProcess::NotRunning; }, Desktop::timeout) ||
         process.exitStatus() != QProcess::NormalExit)
         return -1;
     QByteArray messages;
     const QList<QByteArray> lines = (process.readAllStandardError() + process.readAllStandardOutput()).split('\n');
     for (const QByteArray &line : lines) {
-        // Qt prints this if the window manager reports the position of a box that is already closed.
+        // Qt prints this if the window manager reports the position of a dialog that is already closed.
         if (!line.startsWith("qt.qpa.xcb: QXcbConnection: XCB error: 3 (BadWindow)") ||
             !line.contains("(TranslateCoords)"))
             messages += line;
@@ -60,7 +60,7 @@ QVector<int> RunningProgram::ask(const QByteArray &question)
 {
     process.write(question + '\n');
     if (!QTest::qWaitFor([this] { return process.canReadLine() || process.state() == QProcess::NotRunning; },
-                         Desktop::patience))
+                         Desktop::timeout))
         return {};
     QVector<int> numbers;
     const QByteArray line = process.readLine().trimmed();
@@ -70,17 +70,17 @@ QVector<int> RunningProgram::ask(const QByteArray &question)
     return numbers;
 }
 
-QRect RunningProgram::place(const QByteArray &question)
+QRect RunningProgram::geometryOf(const QByteArray &question)
 {
     QVector<int> numbers;
-    if (!QTest::qWaitFor([&] { return (numbers = ask(question)).size() == 4; }, Desktop::patience))
+    if (!QTest::qWaitFor([&] { return (numbers = ask(question)).size() == 4; }, Desktop::timeout))
         return {};
     return {numbers.at(0), numbers.at(1), numbers.at(2), numbers.at(3)};
 }
 
 QPoint RunningProgram::cell(int row, int column)
 {
-    return place(QStringLiteral("cell %1 %2").arg(row).arg(column).toLatin1()).center();
+    return geometryOf(QStringLiteral("cell %1 %2").arg(row).arg(column).toLatin1()).center();
 }
 
 Cells RunningProgram::selection()
@@ -95,24 +95,24 @@ Cells RunningProgram::selection()
 QImage RunningProgram::view()
 {
     // Without the outermost pixels, which a fractional scale blends with the frame around the view.
-    const QRect area = place("view").adjusted(1, 1, -1, -1);
+    const QRect area = geometryOf("view").adjusted(1, 1, -1, -1);
     return Desktop::picture({onScreen(area.topLeft()), area.size()});
 }
 
 bool RunningProgram::paintsFrames(int count)
 {
     const int before = ask("frames").value(0);
-    return QTest::qWaitFor([&] { return ask("frames").value(0) >= before + count; }, Desktop::patience);
+    return QTest::qWaitFor([&] { return ask("frames").value(0) >= before + count; }, Desktop::timeout);
 }
 
 bool RunningProgram::isAlone()
 {
-    return QTest::qWaitFor([this] { return ask("focus") == QVector<int>({1, 1}); }, Desktop::patience);
+    return QTest::qWaitFor([this] { return ask("focus") == QVector<int>({1, 1}); }, Desktop::timeout);
 }
 
 bool RunningProgram::hasBox()
 {
-    return QTest::qWaitFor([this] { return ask("focus") == QVector<int>({2, 2}); }, Desktop::patience);
+    return QTest::qWaitFor([this] { return ask("focus") == QVector<int>({2, 2}); }, Desktop::timeout);
 }
 
 void RunningProgram::click(QPoint point, int count, int button)
@@ -146,37 +146,37 @@ void RunningProgram::press(const QStringList &keys)
 bool RunningProgram::edit(const QString &text, const QString &key)
 {
     Desktop::xdotool({"type", "--delay", "10", "--", text});
-    if (!QTest::qWaitFor([this] { return isEditing(); }, Desktop::patience))
+    if (!QTest::qWaitFor([this] { return isEditing(); }, Desktop::timeout))
         return false;
     press({key});
-    return QTest::qWaitFor([this] { return !isEditing(); }, Desktop::patience);
+    return QTest::qWaitFor([this] { return !isEditing(); }, Desktop::timeout);
 }
 
 QByteArray RunningProgram::copy()
 {
     Desktop::putOnClipboard("nothing has been copied");
     press({"ctrl+c"});
-    return QTest::qWaitFor(Desktop::isNewOnClipboard, Desktop::patience) ? Desktop::clipboard() : QByteArray();
+    return QTest::qWaitFor(Desktop::isNewOnClipboard, Desktop::timeout) ? Desktop::clipboard() : QByteArray();
 }
 
 void RunningProgram::paste(const QByteArray &text)
 {
     Desktop::putOnClipboard(text);
     press({"ctrl+v"});
-    if (!QTest::qWaitFor(Desktop::isTakenFromClipboard, Desktop::patience))
+    if (!QTest::qWaitFor(Desktop::isTakenFromClipboard, Desktop::timeout))
         QTest::qFail("The program does not read the clipboard.", __FILE__, __LINE__);
 }
 
 QRect curveIn(const QImage &view)
 {
     constexpr int lit = 40; // of 255
-    QRect box;
+    QRect outline;
     for (int y = 0; y < view.height(); ++y) {
         const auto *line = reinterpret_cast<const QRgb *>(view.constScanLine(y));
         for (int x = 0; x < view.width(); ++x) {
             if (std::max({qRed(line[x]), qGreen(line[x]), qBlue(line[x])}) > lit)
-                box |= QRect(x, y, 1, 1);
+                outline |= QRect(x, y, 1, 1);
         }
     }
-    return box;
+    return outline;
 }

@@ -31,8 +31,8 @@ public:
 
     /// Returns WindowReport's answer to `question`.
     QVector<int> ask(const QByteArray &question);
-    /// Waits until WindowReport reports a place as the answer, and returns it.
-    QRect place(const QByteArray &question);
+    /// Waits until WindowReport reports a geometry as the answer, and returns it.
+    QRect geometryOf(const QByteArray &question);
     /// Returns the middle of a cell, counted from 0.
     QPoint cell(int row, int column);
     /// Returns the selected cells.
@@ -41,15 +41,15 @@ public:
     bool isEditing() { return !ask("editor").isEmpty(); }
     /// Returns the X window of the main window.
     WId window() { return static_cast<WId>(ask("window").value(0)); }
-    /// Returns the window's place on the screen.
-    QRect geometry() { return place("geometry"); }
+    /// Returns the window's geometry on the screen.
+    QRect geometry() { return geometryOf("geometry"); }
     /// Returns the position of a point of the window on the screen.
     QPoint onScreen(QPoint point) { return (corner.isNull() ? geometry().topLeft() : corner) + point; }
     /// Returns a picture of the view, taken from the screen.
     QImage view();
     /// Waits until `count` frames have been painted.
     bool paintsFrames(int count);
-    /// Waits until the only window, or else the box on top of it, has the keyboard focus.
+    /// Waits until the only window, or else the dialog on top of it, has the keyboard focus.
     bool isAlone();
     bool hasBox();
 
@@ -78,7 +78,7 @@ private:
     QProcess process;
 };
 
-/// Returns the bounding box of the curve in a picture of the view; empty without a curve.
+/// Returns the bounding rectangle of the curve in a picture of the view; empty without a curve.
 QRect curveIn(const QImage &view);
 
 /// main of a test program with a window manager on its display.

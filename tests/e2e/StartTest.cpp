@@ -16,8 +16,8 @@ private slots:
         QCOMPARE(program.geometry().size(), QSize(701, 605));
 
         // The table is on the left, the curve on the right, in colour and moving.
-        const QRect view = program.place("view");
-        QVERIFY(view.left() > program.place("table").right());
+        const QRect view = program.geometryOf("view");
+        QVERIFY(view.left() > program.geometryOf("table").right());
         QVERIFY(view.width() > 300 && view.height() > 450);
         VERIFY_SOON(shows(program.view(), {1.0F, 2.0F, 3.0F, 0.46F, 1.5e-8F, 1.0F}, {}, 400));
         QVERIFY(!isBlue(program.view()));

@@ -28,10 +28,10 @@ private slots:
             COMPARE_SOON(shownBy(program), cell.y());
         }
         QVERIFY(isBlue(program.view()));
-        program.click(program.place("label 4").center());
+        program.click(program.geometryOf("label 4").center());
         COMPARE_SOON(shownBy(program), 4);
         QCOMPARE(program.selection().size(), 6);
-        program.click(program.place("title 1").center());
+        program.click(program.geometryOf("title 1").center());
         COMPARE_SOON(shownBy(program), 0);
         QCOMPARE(program.selection().size(), 64);
 

@@ -34,7 +34,7 @@ class WaylandTest : public QObject
     /// Closes the window with the button of its frame, which Qt draws itself under Wayland.
     void close()
     {
-        program.click({program.place("view").right() + program.place("table").left() - 10, -15});
+        program.click({program.geometryOf("view").right() + program.geometryOf("table").left() - 10, -15});
         QCOMPARE(program.exitCode(), 0);
     }
 
@@ -57,7 +57,7 @@ private slots:
     void cleanupTestCase()
     {
         compositor.terminate();
-        QVERIFY(compositor.waitForFinished(Desktop::patience));
+        QVERIFY(compositor.waitForFinished(Desktop::timeout));
     }
 
     void sessionSelectsEditsTurnsAndRestarts()
@@ -72,16 +72,16 @@ private slots:
         const Row edited = {1.0F, 0.002F, 3.0F, 0.46F, 1.5e-8F, 1.0F};
         VERIFY_SOON(shows(program.view(), edited, {}, 400));
 
-        // The compositor draws the pointer into the picture: keep it within the curve's box.
-        const QPoint middle = program.place("view").center();
+        // The compositor draws the pointer into the picture: keep it within the curve's bounding rectangle.
+        const QPoint middle = program.geometryOf("view").center();
         program.drag(middle - QPoint(60, 0), middle + QPoint(60, 0), {1});
         VERIFY_SOON(shows(program.view(), edited, {0.0F, 60.0F, 0.0F}, 400));
         QVERIFY(!shows(program.view(), edited, {}, 400));
-        const QSize size = program.place("view").size();
+        const QSize size = program.geometryOf("view").size();
         close();
 
         start();
-        QCOMPARE(program.place("view").size(), size);
+        QCOMPARE(program.geometryOf("view").size(), size);
         program.click(program.cell(0, 0));
         VERIFY_SOON(shows(program.view(), edited, {}, 400));
         close();

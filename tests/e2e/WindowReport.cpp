@@ -3,18 +3,18 @@
 // Reads one question per line from standard input and writes one line of numbers to standard output; an empty line if
 // the object does not exist. Places are x, y, width and height in device pixels, relative to the window.
 //
-//   view, table, close-button   place of the curve, of the table, of the close button of the table's dock
-//   cell ROW COLUMN             place of a cell, counted from 0
-//   label ROW, title COLUMN     place of a row's label, of a column's title
-//   editor                      place of the open editor
-//   menu TITLE                  place of a title in the menu bar
-//   button TEXT                 place of a button in the open box, on the screen
-//   geometry                    place of the main window on the screen
+//   view, table, close-button   geometry of the curve, of the table, of the close button of the table's dock
+//   cell ROW COLUMN             geometry of a cell, counted from 0
+//   label ROW, title COLUMN     geometry of a row's label, of a column's title
+//   editor                      geometry of the open editor
+//   menu TITLE                  geometry of a title in the menu bar
+//   button TEXT                 geometry of a button in the open dialog, on the screen
+//   geometry                    geometry of the main window on the screen
 //   selection                   row and column of each selected cell
 //   window                      X window of the main window
-//   focus                       number of open windows; 1 if the main window, 2 if the open box has the keyboard focus
-//   frames                      number of frames painted since the start
-//   pointer                     position of the pointer in the main window
+//   focus                       number of open windows; 1 if the main window, 2 if the open dialog has the keyboard
+//   focus frames                      number of frames painted since the start pointer                     position of
+//   the pointer in the main window
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -62,8 +62,8 @@ Window *openWindow()
     return nullptr;
 }
 
-/// Returns the place of `area`, in the coordinates of `widget`; nothing if the widget is null or hidden.
-QVector<int> placeOf(const QWidget *widget, QRect area)
+/// Returns the geometry of `area`, in the coordinates of `widget`; nothing if the widget is null or hidden.
+QVector<int> geometryOf(const QWidget *widget, QRect area)
 {
     if (!widget || !widget->isVisible() || area.isEmpty())
         return {};
@@ -73,9 +73,9 @@ QVector<int> placeOf(const QWidget *widget, QRect area)
             qRound(area.height() * ratio)};
 }
 
-QVector<int> placeOf(const QWidget *widget)
+QVector<int> geometryOf(const QWidget *widget)
 {
-    return widget ? placeOf(widget, widget->rect()) : QVector<int>();
+    return widget ? geometryOf(widget, widget->rect()) : QVector<int>();
 }
 
 /// Returns the section `number` of a table's header.
@@ -87,16 +87,16 @@ QRect sectionOf(const QHeaderView &header, int number)
                                                 : QRect(start, 0, size, header.height());
 }
 
-/// Returns the place of `widget` on the screen.
-QVector<int> placeOnScreen(const QWidget *widget)
+/// Returns the geometry of `widget` on the screen.
+QVector<int> geometryOnScreen(const QWidget *widget)
 {
-    QVector<int> place = placeOf(widget);
-    if (!place.isEmpty()) {
+    QVector<int> geometry = geometryOf(widget);
+    if (!geometry.isEmpty()) {
         const QPointF corner = QPointF(widget->window()->geometry().topLeft()) * widget->devicePixelRatioF();
-        place[0] += qRound(corner.x());
-        place[1] += qRound(corner.y());
+        geometry[0] += qRound(corner.x());
+        geometry[1] += qRound(corner.y());
     }
-    return place;
+    return geometry;
 }
 
 QVector<int> answerTo(const QString &question)
@@ -105,41 +105,42 @@ QVector<int> answerTo(const QString &question)
     const QString argument = question.section(' ', 1);
     const int number = question.section(' ', 1, 1).toInt();
     const auto *const main = openWindow<QMainWindow>();
-    const auto *const box = openWindow<QDialog>();
+    const auto *const dialog = openWindow<QDialog>();
     const auto *const table = main ? main->findChild<QTableView *>() : nullptr;
     if (!table)
         return {};
 
     QVector<int> numbers;
     if (what == "view")
-        return placeOf(main->findChild<QOpenGLWidget *>());
+        return geometryOf(main->findChild<QOpenGLWidget *>());
     if (what == "table")
-        return placeOf(table);
+        return geometryOf(table);
     if (what == "close-button")
-        return placeOf(main->findChild<QDockWidget *>("dockParams")->findChild<QWidget *>("qt_dockwidget_closebutton"));
+        return geometryOf(
+            main->findChild<QDockWidget *>("dockParams")->findChild<QWidget *>("qt_dockwidget_closebutton"));
     if (what == "cell")
-        return placeOf(table->viewport(),
-                       table->visualRect(table->model()->index(number, question.section(' ', 2).toInt())));
+        return geometryOf(table->viewport(),
+                          table->visualRect(table->model()->index(number, question.section(' ', 2).toInt())));
     if (what == "label")
-        return placeOf(table->verticalHeader()->viewport(), sectionOf(*table->verticalHeader(), number));
+        return geometryOf(table->verticalHeader()->viewport(), sectionOf(*table->verticalHeader(), number));
     if (what == "title")
-        return placeOf(table->horizontalHeader()->viewport(), sectionOf(*table->horizontalHeader(), number));
+        return geometryOf(table->horizontalHeader()->viewport(), sectionOf(*table->horizontalHeader(), number));
     if (what == "editor")
-        return placeOf(table->viewport()->findChild<QLineEdit *>());
+        return geometryOf(table->viewport()->findChild<QLineEdit *>());
     if (what == "menu") {
         const QList<QAction *> menus = main->menuBar()->actions();
         for (QAction *menu : menus) {
             if (menu->text() == argument)
-                return placeOf(main->menuBar(), main->menuBar()->actionGeometry(menu));
+                return geometryOf(main->menuBar(), main->menuBar()->actionGeometry(menu));
         }
-    } else if (what == "button" && box) {
-        const auto buttons = box->findChildren<QAbstractButton *>();
+    } else if (what == "button" && dialog) {
+        const auto buttons = dialog->findChildren<QAbstractButton *>();
         for (const QAbstractButton *button : buttons) {
             if (button->text().remove('&') == argument)
-                return placeOnScreen(button);
+                return geometryOnScreen(button);
         }
     } else if (what == "geometry") {
-        return placeOnScreen(main);
+        return geometryOnScreen(main);
     } else if (what == "selection") {
         const QModelIndexList selected = table->selectionModel()->selectedIndexes();
         for (const QModelIndex &cell : selected)
@@ -148,7 +149,10 @@ QVector<int> answerTo(const QString &question)
         numbers << static_cast<int>(main->winId());
     } else if (what == "focus") {
         const QWindow *const focus = QGuiApplication::focusWindow();
-        numbers << (box ? 2 : 1) << (focus == main->windowHandle() ? 1 : box && focus == box->windowHandle() ? 2 : 0);
+        numbers << (dialog ? 2 : 1)
+                << (focus == main->windowHandle()               ? 1
+                    : dialog && focus == dialog->windowHandle() ? 2
+                                                                : 0);
     } else if (what == "frames") {
         numbers << frames;
     } else if (what == "pointer") {

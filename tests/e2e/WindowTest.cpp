@@ -1,4 +1,4 @@
-// The window's size, place, docks and column widths, in one run and in the next.
+// The window's size, position, docks and column widths, in one run and in the next.
 
 #include "tests/e2e/Rows.h"
 
@@ -22,22 +22,22 @@ private slots:
 
     void closedTableStaysClosedUntilReopened()
     {
-        program.click(program.place("close-button").center());
+        program.click(program.geometryOf("close-button").center());
         VERIFY_SOON(program.ask("table").isEmpty());
         restart();
         QVERIFY(program.ask("table").isEmpty());
 
-        program.click(program.place("menu Edit").center() + QPoint(100, 0), 1, 3);
+        program.click(program.geometryOf("menu Edit").center() + QPoint(100, 0), 1, 3);
         RunningProgram::press({"Down", "Return"});
         VERIFY_SOON(!program.ask("table").isEmpty());
     }
 
-    void sizePlaceColumnsAndEditsOutliveRestart()
+    void sizePositionColumnsAndEditsSurviveRestart()
     {
-        const QRect title = program.place("title 0");
+        const QRect title = program.geometryOf("title 0");
         const QPoint border(title.right(), title.center().y());
         program.drag(border, border - QPoint(40, 0), {1});
-        COMPARE_SOON(program.place("title 0").width(), title.width() - 40);
+        COMPARE_SOON(program.geometryOf("title 0").width(), title.width() - 40);
         program.click(program.cell(0, 0));
         QVERIFY(program.edit("12.5"));
 
@@ -50,7 +50,7 @@ private slots:
         for (int i = 0; i < 2; ++i) {
             restart();
             COMPARE_SOON(program.geometry(), after);
-            QCOMPARE(program.place("title 0").width(), title.width() - 40);
+            QCOMPARE(program.geometryOf("title 0").width(), title.width() - 40);
             QVERIFY(RunningProgram::copy().startsWith("12.5\t2\t3\t"));
         }
     }

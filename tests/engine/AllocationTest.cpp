@@ -82,7 +82,7 @@ private slots:
     {
         FakeOpenGL::setRecording(false);
         QVector<QVector<float>> rows;
-        for (int mode = -1; mode <= 5; ++mode)
+        for (int mode = -1; mode <= Pendrix3D::colorModeCount; ++mode)
             rows.append({1.0F, 2.0F, 3.0F, 0.1F, 0.2F, static_cast<float>(mode)});
         const CurvePoint *const points = pdx3.points.data();
         const QColor *const colors = pdx3.colors.data();

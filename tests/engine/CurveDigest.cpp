@@ -74,7 +74,7 @@ bool presetsInEveryMode()
     Digest digest("the presets, in every mode");
     for (int preset = 0; preset < 12; ++preset) {
         const QVector<float> row = pdx3.presets.at(preset);
-        for (int mode = -1; mode <= 5; ++mode) {
+        for (int mode = -1; mode <= Pendrix3D::colorModeCount; ++mode) {
             pdx3.set(row[0], row[1], row[2], row[3], row[4], mode);
             digest.addCurve();
         }

@@ -85,7 +85,7 @@ private slots:
         useMethod();
         for (int preset = 0; preset < 12; ++preset) {
             const QVector<float> row = pdx3.presets.at(preset);
-            for (int mode = -1; mode <= 5; ++mode) {
+            for (int mode = -1; mode <= Pendrix3D::colorModeCount; ++mode) {
                 pdx3.set(row[0], row[1], row[2], row[3], row[4], mode);
                 VERIFY_CURVE();
             }
@@ -172,7 +172,7 @@ private slots:
                 pdx3.set(row);
                 VERIFY_CURVE();
             }
-            for (int mode = -1; mode <= 5; ++mode) {
+            for (int mode = -1; mode <= Pendrix3D::colorModeCount; ++mode) {
                 pdx3.set(value, value, value, value, value, mode);
                 VERIFY_CURVE();
             }
@@ -214,7 +214,7 @@ private slots:
 
     void segmentsMatchReferenceOneByOne()
     {
-        for (int mode = -1; mode <= 5; ++mode) {
+        for (int mode = -1; mode <= Pendrix3D::colorModeCount; ++mode) {
             pdx3.set(1.0F, 2.0F, 3.1F, 0.46F, 0.3F, mode);
             QCOMPARE(ReferenceCurve::current().segmentDifference(), QByteArray());
         }

@@ -1,7 +1,7 @@
 // Soak test: operates the window for many frames and fails if a resource of the process grows: Soak [FRAMES]
 //
 // Shows the real window on an X display, lets its frame timer run without a pause and repeats what users do: rows by
-// mouse and keys, edits, drags, copies, pastes, resets, boxes and menus, other sizes, the dock closed and opened, the
+// mouse and keys, edits, drags, copies, pastes, resets, dialogs and menus, other sizes, the dock closed and opened, the
 // window hidden and shown. Checks the effect of each action. The random numbers are the same in each run. FRAMES is 200
 // by default and 10,000 in exhaustive runs; a thousand take about ten seconds.
 //
@@ -36,7 +36,7 @@
 
 namespace {
 
-constexpr int patience = 60000; // ms, longest wait for an effect
+constexpr int timeout = 60000; // ms, longest wait for an effect
 constexpr QSize usualSize(701, 605);
 
 /// Exits with a failure unless `holds`.
@@ -54,7 +54,7 @@ void waitUntil(const char *what, const std::function<bool()> &holds)
     QElapsedTimer clock;
     clock.start();
     while (!holds()) {
-        expect(clock.elapsed() < patience, what);
+        expect(clock.elapsed() < timeout, what);
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
     }
 }
@@ -133,7 +133,7 @@ private:
     std::array<Action, 13> actions = {{
         {7, &User::clickRow},
         {11, &User::goToRow},
-        {13, &User::turn},
+        {13, &User::rotate},
         {29, &User::edit},
         {61, &User::copy},
         {83, &User::paste},
@@ -197,7 +197,7 @@ private:
         expect(row != cell.row() || row == 0 || row == Pendrix3D::rowCount - 1, "A key goes to another row");
     }
 
-    void turn()
+    void rotate()
     {
         QWindow *const handle = window.windowHandle();
         const QPoint from = ui.pdx3->mapTo(&window, ui.pdx3->rect().center());
@@ -317,42 +317,42 @@ private:
         activate();
     }
 
-    /// Triggers `action` and presses `keys` once its box is active.
-    void answerBox(QAction *action, const QList<Qt::Key> &keys)
+    /// Triggers `action` and presses `keys` once its dialog is active.
+    void answerDialog(QAction *action, const QList<Qt::Key> &keys)
     {
         bool answered = false;
         QElapsedTimer clock;
         clock.start();
         QTimer look;
         QObject::connect(&look, &QTimer::timeout, &look, [&] {
-            expect(clock.elapsed() < patience, "A box opens");
-            auto *const box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-            if (!box || !box->isVisible())
+            expect(clock.elapsed() < timeout, "A dialog opens");
+            auto *const dialog = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (!dialog || !dialog->isVisible())
                 return;
-            box->activateWindow();
-            if (!box->isActiveWindow())
+            dialog->activateWindow();
+            if (!dialog->isActiveWindow())
                 return;
             look.stop();
             for (const Qt::Key key : keys)
-                QTest::keyClick(box->windowHandle(), key);
+                QTest::keyClick(dialog->windowHandle(), key);
             answered = true;
         });
         look.start(1);
         action->trigger();
-        expect(answered, "A box is answered");
+        expect(answered, "A dialog is answered");
         activate();
     }
 
     void reset()
     {
         pdx3.paramList[0][0] = 99.0F;
-        answerBox(ui.actionreset, {Qt::Key_Escape});
+        answerDialog(ui.actionreset, {Qt::Key_Escape});
         expect(pdx3.paramList.at(0).at(0) == 99.0F, "Cancel resets nothing");
-        answerBox(ui.actionreset, {Qt::Key_Left, Qt::Key_Return});
+        answerDialog(ui.actionreset, {Qt::Key_Left, Qt::Key_Return});
         expect(pdx3.paramList == presetRows, "OK restores the presets");
     }
 
-    void readAbout() { answerBox(ui.actionabout, {Qt::Key_Escape}); }
+    void readAbout() { answerDialog(ui.actionabout, {Qt::Key_Escape}); }
 
     bool showsCurve()
     {
@@ -388,7 +388,7 @@ int main(int argc, char *argv[])
     if (!qEnvironmentVariableIsSet("LP_NUM_THREADS"))
         qputenv("LP_NUM_THREADS", "0");
     QApplication application(argc, argv);
-    // Qt caches pictures of the boxes' buttons, up to 10 MB, and keeps their names even after it removes them.
+    // Qt caches pictures of the dialogs' buttons, up to 10 MB, and keeps their names even after it removes them.
     QPixmapCache::setCacheLimit(0);
     const QStringList arguments = QCoreApplication::arguments();
     const int frames = arguments.size() == 2 ? arguments.at(1).toInt() : sampleSize(200, 10000);

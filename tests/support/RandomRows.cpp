@@ -10,7 +10,7 @@ QVector<float> randomRow(std::mt19937 &random, int number)
     for (float &value : row)
         value = anyFloat(random);
     if (number % 2)
-        row[5] = static_cast<float>(number / 2 % 7 - 1);
+        row[5] = static_cast<float>(number / 2 % (Pendrix3D::colorModeCount + 2) - 1);
     return row;
 }
 

@@ -40,7 +40,7 @@ public:
     QImage frame;
 };
 
-/// Returns the bounding box of the pixels that are not black.
+/// Returns the bounding rectangle of the pixels that are not black.
 QRect litArea(const QImage &picture)
 {
     QRect area;

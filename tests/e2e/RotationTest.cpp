@@ -1,12 +1,13 @@
-// Turning the curve with the mouse.
+// Rotating the curve with the mouse.
 
 #include "tests/e2e/Rows.h"
 
-class TurningTest : public QObject
+class RotationTest : public QObject
 {
     Q_OBJECT
 
-    /// A cone. Rotated half way towards the eye, it looks different after a turn about any axis in either direction.
+    /// A cone. Rotated half way towards the eye, it looks different after a rotation about any axis in either
+    /// direction.
     const Row row = cone(0.05F);
     static constexpr float halfWay = 45.0F;
 
@@ -20,21 +21,21 @@ private slots:
         RunningProgram::paste(textOf({row, cone(1.0F)}));
         program.click(program.cell(0, 0));
         VERIFY_SOON(shows(program.view(), row));
-        start = program.place("view").center();
+        start = program.geometryOf("view").center();
         program.drag(start, start + QPoint(90, 0), {1}); // half a degree per pixel
         VERIFY_SOON(shows(program.view(), row, {0.0F, halfWay, 0.0F}));
     }
 
     void cleanupTestCase() { QCOMPARE(program.close(), 0); }
 
-    void dragsTurnCurve()
+    void dragsRotateCurve()
     {
         const struct
         {
             const char *name;
             QVector<int> buttons;
             QPoint way;
-            Rotation turn;
+            Rotation rotation;
         } drags[] = {
             {"left", {1}, {80, -50}, {-25.0F, 40.0F, 0.0F}},
             {"right", {3}, {-50, 60}, {30.0F, 0.0F, -25.0F}},
@@ -43,16 +44,16 @@ private slots:
             {"out of the window", {1}, {400, 0}, {0.0F, 200.0F, 0.0F}},
         };
         for (const auto &drag : drags) {
-            const Rotation turned = {drag.turn.aboutX, halfWay + drag.turn.aboutY, drag.turn.aboutZ};
+            const Rotation rotated = {drag.rotation.aboutX, halfWay + drag.rotation.aboutY, drag.rotation.aboutZ};
             program.drag(start, start + drag.way, drag.buttons);
             QVERIFY(program.paintsFrames(3));
-            QVERIFY2(QTest::qWaitFor([&] { return shows(program.view(), row, turned); }, Desktop::patience), drag.name);
+            QVERIFY2(QTest::qWaitFor([&] { return shows(program.view(), row, rotated); }, Desktop::timeout), drag.name);
             program.drag(start, start - drag.way, drag.buttons);
             VERIFY_SOON(shows(program.view(), row, {0.0F, halfWay, 0.0F}));
         }
     }
 
-    void turnStaysForNextRow()
+    void rotationStaysForNextRow()
     {
         program.click(program.cell(1, 0));
         VERIFY_SOON(shows(program.view(), cone(1.0F), {0.0F, halfWay, 0.0F}));
@@ -60,5 +61,5 @@ private slots:
     }
 };
 
-PENDRIX_END_TO_END_MAIN(TurningTest)
-#include "TurningTest.moc"
+PENDRIX_END_TO_END_MAIN(RotationTest)
+#include "RotationTest.moc"
