@@ -1,4 +1,4 @@
-// The two boxes of the File menu.
+// The two dialogs of the File menu.
 
 #include "app/MainWindow.h"
 
@@ -24,30 +24,30 @@ class DialogTest : public QObject
     const Rows presetRows = pdx3.paramList;
     MainWindow window;
 
-    /// Triggers `action` and calls `answer` with its open box. Returns whether that closed the box.
+    /// Triggers `action` and calls `answer` with its open dialog. Returns whether that closed the dialog.
     static bool answer(QAction *action, const std::function<void(QMessageBox &)> &answer)
     {
         bool isAnswered = false;
         QTimer poll;
         connect(&poll, &QTimer::timeout, &poll, [&] {
-            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-            if (!box || !box->isVisible())
+            auto *dialog = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (!dialog || !dialog->isVisible())
                 return;
-            if (!box->isActiveWindow()) {
-                box->activateWindow(); // without a window manager, nothing else does
+            if (!dialog->isActiveWindow()) {
+                dialog->activateWindow(); // without a window manager, nothing else does
                 return;
             }
             poll.stop();
             const float freq1 = pdx3.freq1;
             QTRY_VERIFY(pdx3.freq1 > freq1 + 0.0015F); // the animation continues for four frames
-            answer(*box);
+            answer(*dialog);
             isAnswered = true;
         });
         poll.start(20);
         QTimer::singleShot(30000, &poll, [&isAnswered] {
             isAnswered = false;
-            if (QWidget *box = QApplication::activeModalWidget())
-                box->close();
+            if (QWidget *dialog = QApplication::activeModalWidget())
+                dialog->close();
         });
         action->trigger();
         return isAnswered;
@@ -62,15 +62,15 @@ private slots:
 
     void resetBoxAsksWithCancelAsDefault()
     {
-        QVERIFY(answer(window.ui->actionreset, [](QMessageBox &box) {
-            QCOMPARE(box.text(), QString("This will reset parameters values to original preset"));
-            QCOMPARE(box.informativeText(), QString("Do you want to reset values?"));
-            QCOMPARE(box.standardButtons(), QMessageBox::Ok | QMessageBox::Cancel);
-            QCOMPARE(box.defaultButton(), box.button(QMessageBox::Cancel));
-            QCOMPARE(box.icon(), QMessageBox::NoIcon);
-            QCOMPARE(box.windowTitle(), QString());
-            QVERIFY(!box.parent());
-            box.close();
+        QVERIFY(answer(window.ui->actionreset, [](QMessageBox &dialog) {
+            QCOMPARE(dialog.text(), QString("This will reset parameters values to original preset"));
+            QCOMPARE(dialog.informativeText(), QString("Do you want to reset values?"));
+            QCOMPARE(dialog.standardButtons(), QMessageBox::Ok | QMessageBox::Cancel);
+            QCOMPARE(dialog.defaultButton(), dialog.button(QMessageBox::Cancel));
+            QCOMPARE(dialog.icon(), QMessageBox::NoIcon);
+            QCOMPARE(dialog.windowTitle(), QString());
+            QVERIFY(!dialog.parent());
+            dialog.close();
         }));
     }
 
@@ -91,11 +91,11 @@ private slots:
         for (const Rows &rows : {Rows(64, QVector<float>(6, 3.0F)), Rows(), Rows(200, QVector<float>(2, 5.0F))}) {
             pdx3.paramList = rows;
             QSignalSpy refreshed(window.ui->tableParams->model, &Model::dataChanged);
-            QVERIFY(answer(window.ui->actionreset, [key](QMessageBox &box) {
+            QVERIFY(answer(window.ui->actionreset, [key](QMessageBox &dialog) {
                 if (key == 0)
-                    box.button(QMessageBox::Ok)->click();
+                    dialog.button(QMessageBox::Ok)->click();
                 else
-                    QTest::keyClick(box.windowHandle(), Qt::Key(key));
+                    QTest::keyClick(dialog.windowHandle(), Qt::Key(key));
             }));
             QCOMPARE(pdx3.paramList, isReset ? presetRows : rows);
             QCOMPARE(refreshed.count(), isReset ? 1 : 0);
@@ -103,24 +103,26 @@ private slots:
         QVERIFY(pdx3.freq3 >= 4.0F && pdx3.phase1 == 0.43F); // still the curve of preset 7
     }
 
-    void aboutBoxShowsPage()
+    void aboutDialogShowsPage()
     {
-        QVERIFY(answer(window.ui->actionabout, [this](QMessageBox &box) {
-            QCOMPARE(box.parent(), &window);
-            QCOMPARE(box.windowTitle(), QString());
-            QCOMPARE(box.text(), window.readTextFile(":/about.html"));
-            QCOMPARE(box.textFormat(), Qt::AutoText);
-            QVERIFY(Qt::mightBeRichText(box.text()));
+        QVERIFY(answer(window.ui->actionabout, [this](QMessageBox &dialog) {
+            QCOMPARE(dialog.parent(), &window);
+            QCOMPARE(dialog.windowTitle(), QString());
+            QCOMPARE(dialog.text(), window.readTextFile(":/about.html"));
+            QCOMPARE(dialog.textFormat(), Qt::AutoText);
+            QVERIFY(Qt::mightBeRichText(dialog.text()));
             // Fits on small screens.
-            QVERIFY2(box.width() <= 600 && box.height() <= 800,
-                     QByteArray::number(box.width()) + " x " + QByteArray::number(box.height()));
-            QTest::keyClick(box.windowHandle(), Qt::Key_Return);
+            QVERIFY2(dialog.width() <= 600 && dialog.height() <= 800,
+                     QByteArray::number(dialog.width()) + " x " + QByteArray::number(dialog.height()));
+            QTest::keyClick(dialog.windowHandle(), Qt::Key_Return);
         }));
     }
 
     void pageHasRequiredContent()
     {
-        const QString page = window.readTextFile(":/about.html").simplified();
+        const QString text = window.readTextFile(":/about.html");
+        QVERIFY2(text.size() >= 4300 && text.size() <= 4500, QByteArray::number(text.size()));
+        const QString page = text.simplified();
         QVERIFY(page.startsWith("<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.0 Transitional//EN\""));
         for (const char *part : {
                  "charset=utf-8",
