@@ -44,6 +44,13 @@ to_check=(
   "poppler-utils:program pdftoppm"
 )
 
+# To render the icons and the pictures of the documents.
+# shellcheck disable=SC2034
+to_render=(
+  "librsvg2-bin:program rsvg-convert"
+  "icoutils:program icotool"
+)
+
 # shellcheck disable=SC2034
 to_cover=(
   "gcovr:program gcovr"

@@ -1,36 +1,24 @@
 #!/usr/bin/env bash
-# Renders the program's icons from the drawings in icon-sources/:
-# fifteen 32x32 PNG files, and clippaste.ico with one 32x32 bitmap.
+# Renders the action icons from resources/icon-sources/: fifteen PNG files of 32x32 pixels, and clippaste.ico with one
+# bitmap of the same size.
 set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/packages.sh
+install_missing "${to_render[@]}"
+cd resources
+icons=Tessera/rsc/icons
 
-here=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../resources" && pwd)
-sources=$here/icon-sources
-icons=$here/Tessera/rsc/icons
+pngs=(generate01 open add rand draw save clippaste01 export1 clipcopy01 clipcopy random clear saveas append delete)
 
-pngs=(generate01 open add rand draw save clippaste01 export1 clipcopy01
-    clipcopy random clear saveas append delete)
-
-need() { # command, Debian package
-  if ! command -v "$1" >/dev/null; then
-    echo "render-action-icons.sh: $1 is missing; install the Debian package $2" >&2
-    exit 1
-  fi
-}
-
-render() { # icon name, PNG file to write
-  rsvg-convert --format=png --width=32 --height=32 --output="$2" "$sources/$1.svg"
-}
-
-need rsvg-convert librsvg2-bin
-need icotool icoutils
-
-scratch=$(mktemp -d)
-trap 'rm -rf -- "$scratch"' EXIT
+# render NAME FILE: renders the drawing NAME to the PNG file FILE.
+render() { rsvg-convert --format=png --width=32 --height=32 --output="$2" "icon-sources/$1.svg"; }
 
 mkdir -p "$icons"
 for name in "${pngs[@]}"; do
   render "$name" "$icons/$name.png"
 done
 
-render clippaste "$scratch/clippaste.png"
-icotool --create --bit-depth=32 --output="$icons/clippaste.ico" "$scratch/clippaste.png"
+bitmap=$(mktemp --suffix=.png)
+trap 'rm "$bitmap"' EXIT
+render clippaste "$bitmap"
+icotool --create --bit-depth=32 --output="$icons/clippaste.ico" "$bitmap"

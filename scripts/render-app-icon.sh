@@ -4,10 +4,8 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 id=example.quillmoss.Pendrix3D
 
-command -v rsvg-convert > /dev/null || {
-  echo "render-app-icon.sh: rsvg-convert is missing; install the Debian package librsvg2-bin" >&2
-  exit 1
-}
+. scripts/packages.sh
+install_missing "${to_build[@]}" "${to_render[@]}"
 cmake --preset release
 cmake --build --preset release --target pendrix_icon
 
