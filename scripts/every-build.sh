@@ -3,23 +3,18 @@
 # unless all builds compute the same curves and colours, bit for bit. Then runs the default tests in each build, on Arm
 # only those of numerics, color and engine.
 #   scripts/every-build.sh [--digests-only] [BUILD ...]
-# --digests-only skips the tests. BUILD ... selects builds from `builds` below.
+# --digests-only skips the tests. BUILD ... selects builds from those of `select_names` below.
 set -euo pipefail
-builds=(g++-O0 g++-O2 g++-O3 clang++-O0 clang++-O2 clang++-O3 arm64)
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
 with_tests=yes
 if [ "${1-}" = --digests-only ]; then
   with_tests=
   shift
 fi
-for build in "$@"; do
-  if [[ " ${builds[*]} " != *" $build "* ]]; then
-    echo "usage: scripts/every-build.sh [--digests-only] [BUILD ...]; BUILD: ${builds[*]}" >&2
-    exit 2
-  fi
-done
-[ $# -eq 0 ] || builds=("$@")
+. scripts/select-names.sh
+select_names "scripts/every-build.sh [--digests-only] [BUILD ...]" \
+  "g++-O0 g++-O2 g++-O3 clang++-O0 clang++-O2 clang++-O3 arm64" "$@"
 
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/packages.sh
 install_missing "${to_build[@]}" "${to_test[@]}" "${to_check[@]}"
 
@@ -107,7 +102,7 @@ run_tests() {
 }
 
 mkdir -p "$folder"
-if [[ " ${builds[*]} " == *" arm64 "* ]]; then
+if [[ " ${selected[*]} " == *" arm64 "* ]]; then
   install_missing "${to_build_for_arm[@]}"
   if [ ! -e "$sysroot/complete" ]; then
     step "Packages for Arm"
@@ -116,21 +111,21 @@ if [[ " ${builds[*]} " == *" arm64 "* ]]; then
 fi
 
 failed=()
-for build in "${builds[@]}"; do
+for build in "${selected[@]}"; do
   step "Digests: $build"
   configure "$build"
   digest "$build"
-  if [ "$build" = "${builds[0]}" ]; then
+  if [ "$build" = "${selected[0]}" ]; then
     cat "$folder/$build.digests" # the reference for the others
-  elif diff "$folder/${builds[0]}.digests" "$folder/$build.digests"; then
-    echo "The same as ${builds[0]}"
+  elif diff "$folder/${selected[0]}.digests" "$folder/$build.digests"; then
+    echo "The same as ${selected[0]}"
   else
     failed+=("digests of $build")
   fi
 done
 
 if [ -n "$with_tests" ]; then
-  for build in "${builds[@]}"; do
+  for build in "${selected[@]}"; do
     step "Tests: $build"
     run_tests "$build" || failed+=("tests of $build")
   done
@@ -141,4 +136,4 @@ if [ ${#failed[@]} -gt 0 ]; then
   printf 'Failed: %s\n' "${failed[@]}" >&2
   exit 1
 fi
-echo "${#builds[@]} builds compute the same results."
+echo "${#selected[@]} builds compute the same results."

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Runs the checks that take too long for .ci/run, and ends with a summary line for each section.
-#   scripts/long-checks.sh [SECTION ...]   runs only these sections; see `sections` below
+#   scripts/long-checks.sh [SECTION ...]   runs only these sections; see `select_names` below
 # FUZZ_SECONDS is the duration of each fuzzer's run, 1800 by default. The section fresh-systems requires root and passes
 # the words of FRESH_OPTIONS to its scripts.
 set -euo pipefail
@@ -36,14 +36,9 @@ run_exhaustive_tests() {
   ctest --test-dir "build/$1" --label-regex exhaustive --output-on-failure --no-tests=error
 }
 
-sections=(exhaustive opengl-errors clang fuzz reproducible every-build memcheck fresh-systems)
-for section in "$@"; do
-  if [[ " ${sections[*]} " != *" $section "* ]]; then
-    echo "usage: scripts/long-checks.sh [SECTION ...], where a SECTION is one of ${sections[*]}" >&2
-    exit 2
-  fi
-done
-[ $# -eq 0 ] || sections=("$@")
+. scripts/select-names.sh
+select_names "scripts/long-checks.sh [SECTION ...]" \
+  "exhaustive opengl-errors clang fuzz reproducible every-build memcheck fresh-systems" "$@"
 
 . scripts/packages.sh
 install_missing "${to_build[@]}" "${to_test[@]}" "${to_check[@]}"
@@ -51,7 +46,7 @@ export CTEST_PARALLEL_LEVEL
 CTEST_PARALLEL_LEVEL=$(nproc)
 summary=
 status=0
-for section in "${sections[@]}"; do
+for section in "${selected[@]}"; do
   printf '\n==> %s\n' "$section"
   SECONDS=0
   result=passed
