@@ -17,8 +17,8 @@
 
 namespace {
 
-/// The largest accepted column width in pixels, wider than any screen. A larger one is damaged.
-constexpr int widestColumn = 20000;
+/// The largest accepted column width in pixels, wider than any screen. Larger values are treated as damage.
+constexpr int maxColumnWidth = 20000;
 
 /// Returns whether `state` is a layout of the main window as QMainWindow::saveState writes it, with the curve's dock
 /// visible: the two docks, each in its area, and the toolbar in any area. Sizes, positions and the visibility of the
@@ -88,7 +88,7 @@ void refresh(const TableParams &table)
 MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(new Ui_MainWindow)
 {
     ui->setupUi(this);
-    // The docks fill the window.
+    // Hide the empty central widget so that the docks fill the window.
     centralWidget()->hide();
     loadSettings();
     refresh(*ui->tableParams);
@@ -116,7 +116,7 @@ void MainWindow::loadSettings()
     const auto widths = settings->value(SettingsKey::colsWidth).value<QVector<int>>();
     for (int i = 0; i < ui->tableParams->model->columnCount() && i < widths.size(); ++i) {
         // A column of width 0 would be hidden. The table widens columns that are too narrow for its font.
-        if (widths.at(i) > 0 && widths.at(i) <= widestColumn)
+        if (widths.at(i) > 0 && widths.at(i) <= maxColumnWidth)
             ui->tableParams->setColumnWidth(i, widths.at(i));
     }
 
@@ -152,12 +152,12 @@ void MainWindow::on_actionpaste_triggered()
 
 void MainWindow::on_actionreset_triggered()
 {
-    QMessageBox box;
-    box.setText(QStringLiteral("This will reset parameters values to original preset"));
-    box.setInformativeText(QStringLiteral("Do you want to reset values?"));
-    box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
-    box.setDefaultButton(QMessageBox::Cancel);
-    if (box.exec() != QMessageBox::Ok)
+    QMessageBox dialog;
+    dialog.setText(QStringLiteral("This will reset parameters values to original preset"));
+    dialog.setInformativeText(QStringLiteral("Do you want to reset values?"));
+    dialog.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+    dialog.setDefaultButton(QMessageBox::Cancel);
+    if (dialog.exec() != QMessageBox::Ok)
         return;
     pdx3.resetParamList();
     refresh(*ui->tableParams);

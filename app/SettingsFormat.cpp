@@ -21,7 +21,7 @@ namespace {
 
 /// The largest file that is read or written, in bytes. A saved file has about 5 KB. The most expensive content of this
 /// size, one long value, takes 390 MB and 2.4 s to load and save.
-constexpr qint64 largestFile = 64 << 20;
+constexpr qint64 maxFileSize = 64 << 20;
 
 constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
 
@@ -178,7 +178,7 @@ std::vector<Entry> entriesIn(const QByteArray &text)
 
 bool readWhole(QIODevice &file, QByteArray &content)
 {
-    if (file.size() > largestFile)
+    if (file.size() > maxFileSize)
         return false;
     content = file.readAll();
     return static_cast<QFileDevice &>(file).error() == QFileDevice::NoError && content.size() == file.size();
@@ -231,7 +231,7 @@ bool writeSettings(QIODevice &file, const QSettings::SettingsMap &values)
     }
     result.insert(sectionEnd, added);
 
-    if (result.size() > largestFile || saveFile.write(result) != result.size() || !saveFile.flush())
+    if (result.size() > maxFileSize || saveFile.write(result) != result.size() || !saveFile.flush())
         return false;
 #ifdef Q_OS_UNIX
     return fsync(saveFile.handle()) == 0; // QSaveFile calls fsync, too, but ignores errors

@@ -2,7 +2,7 @@
 
 class QObject;
 
-/// Makes SIGTERM, SIGHUP and SIGINT close all windows and message boxes, so that the settings are saved and the program
+/// Makes SIGTERM, SIGHUP and SIGINT close all windows and dialogs, so that the settings are saved and the program
 /// exits with status 0. Commits the text of an open cell editor, as Enter does. `parent` owns the socket notifier.
 ///
 /// Ignores further signals while the program closes: `timeout`, for example, sends SIGTERM twice. Signals that are
