@@ -23,6 +23,7 @@ check() {
     reproducible) scripts/reproducible-build.sh ;;
     every-build) scripts/every-build.sh ;;
     memcheck) scripts/memcheck.sh ;;
+    web) scripts/web-checks.sh ;;
     fresh-systems)
       # shellcheck disable=SC2086 # words
       scripts/fresh-system.sh ${FRESH_OPTIONS-} && scripts/fresh-install.sh ${FRESH_OPTIONS-}
@@ -38,7 +39,7 @@ run_exhaustive_tests() {
 
 . scripts/select-names.sh
 select_names "scripts/long-checks.sh [SECTION ...]" \
-  "exhaustive opengl-errors clang fuzz reproducible every-build memcheck fresh-systems" "$@"
+  "exhaustive opengl-errors clang fuzz reproducible every-build memcheck web fresh-systems" "$@"
 
 . scripts/packages.sh
 install_missing "${to_build[@]}" "${to_test[@]}" "${to_check[@]}"

@@ -78,6 +78,14 @@ to_package=(
   "file:program file"
 )
 
+# shellcheck disable=SC2034
+to_check_web=(
+  "nodejs:program node"
+  "chromium:program chromium"
+)
+# Some packages of Node.js contain npm and conflict with Debian's npm.
+command -v npm > /dev/null || to_check_web+=("npm:program npm")
+
 # fail PROBLEM: prints it as an error of the script and exits.
 fail() {
   printf '%s: %s\n' "${0##*/}" "$*" >&2
