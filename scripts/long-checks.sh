@@ -24,6 +24,7 @@ check() {
     every-build) scripts/every-build.sh ;;
     memcheck) scripts/memcheck.sh ;;
     web) scripts/web-checks.sh ;;
+    recipes) scripts/recipes.sh ;;
     fresh-systems)
       # shellcheck disable=SC2086 # words
       scripts/fresh-system.sh ${FRESH_OPTIONS-} && scripts/fresh-install.sh ${FRESH_OPTIONS-}
@@ -39,7 +40,7 @@ run_exhaustive_tests() {
 
 . scripts/select-names.sh
 select_names "scripts/long-checks.sh [SECTION ...]" \
-  "exhaustive opengl-errors clang fuzz reproducible every-build memcheck web fresh-systems" "$@"
+  "exhaustive opengl-errors clang fuzz reproducible every-build memcheck web recipes fresh-systems" "$@"
 
 . scripts/packages.sh
 install_missing "${to_build[@]}" "${to_test[@]}" "${to_check[@]}"

@@ -83,8 +83,20 @@ to_check_web=(
   "nodejs:program node"
   "chromium:program chromium"
 )
+# shellcheck disable=SC2034
+to_run_recipes=(
+  "nodejs:program node"
+  "python3:program python3"
+  "curl:program curl"
+  "ffmpeg:program ffmpeg"
+  "gnuplot-nox:program gnuplot"
+  "file:program file"
+)
 # Some packages of Node.js contain npm and conflict with Debian's npm.
-command -v npm > /dev/null || to_check_web+=("npm:program npm")
+command -v npm > /dev/null || {
+  to_check_web+=("npm:program npm")
+  to_run_recipes+=("npm:program npm")
+}
 
 # fail PROBLEM: prints it as an error of the script and exits.
 fail() {
