@@ -17,13 +17,11 @@
 
 namespace {
 
-constexpr int presetCount = 12;
-
 // Not a rounded zero: stored, copied and shown with this value.
 constexpr float tiny = 1.5e-8F;
 
 // clang-format off
-constexpr float presetTable[presetCount][Pendrix3D::rowLength] = {
+constexpr float presetTable[Pendrix3D::presetCount][Pendrix3D::rowLength] = {
     // freq1  freq2   freq3  phase1  phase2  color
     {   1.0F,  2.0F,   3.0F,  0.46F,   tiny,  1.0F},
     {   2.0F,  3.0F,   4.0F,  0.25F,   0.0F,  2.0F},
@@ -152,7 +150,7 @@ void Pendrix3D::setParams()
 
 void Pendrix3D::next()
 {
-    next(0.0004, 0.0004);
+    next(driftPerFrame, driftPerFrame);
 }
 
 void Pendrix3D::next(double dFreq1, double dFreq3)
@@ -199,7 +197,7 @@ void Pendrix3D::calcBlock(int first, int count, CurvePoint *point, int *indices)
 {
     float times[blockLength];
     float amplitudes[blockLength] = {};
-    t = fillRecurrence(t, times, count, [](float time) { return advanced(time, 0.02); });
+    t = fillRecurrence(t, times, count, [](float time) { return advanced(time, timeStep); });
     amplitude = fillRecurrence(amplitude, amplitudes, count, [this](float a) { return a - step; });
 
     float angles[blockLength] = {};

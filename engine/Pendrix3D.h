@@ -33,12 +33,18 @@ public:
     static constexpr int rowLength = 6;
     /// Number of colour modes, which are 0 to `colorModeCount` - 1.
     static constexpr int colorModeCount = 5;
+    /// Number of built-in presets.
+    static constexpr int presetCount = 12;
+    /// What a frame of the animation adds to freq1 and freq3.
+    static constexpr double driftPerFrame = 0.0004;
+    /// Curve time from point to point.
+    static constexpr double timeStep = 0.02;
 
     /// Builds the palette and the presets, seeds `rand` from the time, computes the curve of preset 0 and fills
     /// `paramList`.
     Pendrix3D();
 
-    /// Makes preset `n` % 12 current and computes its curve. Reaches only the built-in presets, never `paramList`. A
+    /// Makes preset `n` % `presetCount` current and computes its curve. Reaches only the built-in presets, never `paramList`. A
     /// negative remainder sets `setIndex` but leaves the curve unchanged.
     void set(int n);
 
@@ -76,7 +82,7 @@ public:
     /// point before it, and the first vertex has the colour that was current before the call.
     void draw();
 
-    /// Advances the animation: adds 0.0004 to freq1 and freq3, without bound, and computes the curve.
+    /// Advances the animation: adds `driftPerFrame` to freq1 and freq3, without bound, and computes the curve.
     void next();
 
     /// Adds `dFreq1` to freq1 and `dFreq3` to freq3 and computes the curve.
@@ -90,7 +96,7 @@ public:
     /// their storage, so that a pass allocates nothing once they have grown.
     void calcCoords();
 
-    /// Computes point `i`: adds 0.02 to `t`, subtracts `step` from `amplitude`, and sets
+    /// Computes point `i`: adds `timeStep` to `t`, subtracts `step` from `amplitude`, and sets
     ///
     ///     x = sin(freq2 t) amplitude
     ///     y = sin(phase1 twoPi + freq1 t) amplitude
