@@ -1,43 +1,64 @@
 #include "export/Curve.h"
 
-#include "engine/Pendrix3D.h"
-
 #include <algorithm>
 #include <cmath>
 
+namespace {
+
+/// Returns `value` plus `step` as the engine adds them: in double, rounded to float.
+float advanced(float value, double step)
+{
+    return static_cast<float>(static_cast<double>(value) + step);
+}
+
+} // namespace
+
 void advance(QVector<float> &row, int frames)
 {
-    // The same arithmetic as in Pendrix3D::next.
     for (int frame = 0; frame < frames; ++frame) {
-        row[0] = static_cast<float>(static_cast<double>(row.at(0)) + 0.0004);
-        row[2] = static_cast<float>(static_cast<double>(row.at(2)) + 0.0004);
+        row[0] = advanced(row.at(0), Pendrix3D::driftPerFrame);
+        row[2] = advanced(row.at(2), Pendrix3D::driftPerFrame);
     }
 }
 
 Curve curveOf(const QVector<float> &row)
 {
     pdx3.set(row);
-    pdx3.t = 0.0F;
-    pdx3.amplitude = pdx3.total;
-    Curve curve;
-    curve.reserve(pdx3.nPoints);
-    for (int i = 0; i < pdx3.nPoints; ++i) {
-        pdx3.calcSegment(i);
-        curve.append({pdx3.t, pdx3.x, pdx3.y, pdx3.z, qRgb(pdx3.red, pdx3.green, pdx3.blue)});
-    }
+    Curve curve{row, pdx3.points, {}};
+    curve.colors.reserve(pdx3.colors.size());
+    for (const QColor &color : qAsConst(pdx3.colors))
+        curve.colors.append(color.rgb());
     return curve;
+}
+
+QVector<float> timesOf(int count)
+{
+    QVector<float> times(count);
+    float t = 0.0F;
+    for (float &time : times)
+        time = t = advanced(t, Pendrix3D::timeStep);
+    return times;
+}
+
+QVector<float> amplitudesOf(int count)
+{
+    QVector<float> amplitudes(count);
+    float a = pdx3.total;
+    for (float &amplitude : amplitudes)
+        amplitude = a = a - pdx3.step;
+    return amplitudes;
 }
 
 int firstNonFinite(const Curve &curve)
 {
-    const auto isFinite = [](const CurveVertex &v) {
-        return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
+    const auto isFinite = [](const CurvePoint &p) {
+        return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
     };
-    const auto *const found = std::find_if_not(curve.begin(), curve.end(), isFinite);
-    return found == curve.end() ? -1 : static_cast<int>(found - curve.begin());
+    const auto found = std::find_if_not(curve.points.begin(), curve.points.end(), isFinite);
+    return found == curve.points.end() ? -1 : static_cast<int>(found - curve.points.begin());
 }
 
-QRgb vertexColor(const Curve &curve, int i)
+QRgb vertexColor(const QVector<QRgb> &colors, int i)
 {
-    return curve.at(std::max(i - 1, 0)).color;
+    return colors.at(std::max(i - 1, 0));
 }

@@ -1,17 +1,19 @@
 #include "export/Export.h"
 
-#include "app/Settings.h"
-#include "engine/RowText.h"
-#include "export/Curve.h"
 #include "export/ExportError.h"
-#include "export/Writers.h"
+#include "export/Process.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QThread>
 
-#include <cmath>
+#include <algorithm>
 #include <cstdio>
+#include <exception>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <vector>
 
 #ifdef Q_OS_UNIX
 #include <unistd.h>
@@ -24,79 +26,27 @@ ExportError failure(const QString &problem, const QString &detail)
     return {ExportError::failure, problem, detail};
 }
 
-/// Returns the UTF-8 text of the file at `path`; "-" is standard input. Throws if it cannot be read or is too large.
-QString textOfFile(const QString &path)
+/// Returns the curve of `row` in the colours of `options`. Throws if it cannot be exported.
+Curve exportableCurve(const QVector<float> &row, const Options &options)
 {
-    constexpr qint64 mostBytes = 256 << 20; // more than twice the largest clipboard text of the tests
-    QFile file;
-    const bool isOpen = path == QLatin1String("-") ? file.open(stdin, QIODevice::ReadOnly)
-                                                   : (file.setFileName(path), file.open(QIODevice::ReadOnly));
-    const QByteArray bytes = isOpen ? file.read(mostBytes + 1) : QByteArray();
-    if (file.error() != QFile::NoError)
-        throw failure(QStringLiteral("cannot read rows"), path + QStringLiteral(": ") + file.errorString());
-    if (bytes.size() > mostBytes)
-        throw failure(QStringLiteral("too many rows"), path);
-    return QString::fromUtf8(bytes);
-}
-
-/// Returns row `number`, from 1, of the text file at `path`. Throws unless it exists and has six finite numbers.
-QVector<float> rowOfText(const QString &path, int number)
-{
-    const QString text = textOfFile(path);
-    QStringView rest(text);
-    RowFields fields;
-    for (int row = 1; row <= number; ++row) {
-        if (!takeRow(rest, fields))
-            throw failure(QStringLiteral("no row %1").arg(number), path);
+    if (options.page.isSmooth) {
+        for (int i = 0; i < 3; ++i) {
+            const double frequency = static_cast<double>(row.at(i));
+            if (std::abs(frequency) > highestSmoothFrequency)
+                throw failure(QStringLiteral("cannot use --smooth"),
+                              QStringLiteral("freq%1 is %2: above %3, the figure is made of the straight lines")
+                                  .arg(i + 1)
+                                  .arg(frequency)
+                                  .arg(highestSmoothFrequency, 0, 'f', 1));
+        }
     }
-    QVector<float> row;
-    for (const QStringView field : fields) {
-        const auto value = valueOfField(field);
-        if (!value || !std::isfinite(*value))
-            throw failure(QStringLiteral("row %1 has a field that is not a finite number").arg(number), path);
-        row.append(*value);
-    }
-    return row;
-}
-
-/// Returns row `number`, from 1, of the settings; the built-in row if the settings have no valid parameter list.
-QVector<float> rowOfSettings(int number)
-{
-    const auto settings = openSettings();
-    const auto rows = settings ? storedParamList(*settings) : QVector<QVector<float>>();
-    return rows.isEmpty() ? pdx3.paramList.at(number - 1) : rows.at(number - 1);
-}
-
-QVector<float> rowOf(const RowSource &source)
-{
-    switch (source.kind) {
-    case RowSource::Values:
-        return source.values;
-    case RowSource::Text:
-        return rowOfText(source.file, source.number);
-    case RowSource::Settings:
-        return rowOfSettings(source.number);
-    case RowSource::Preset:
-        break;
-    }
-    return pdx3.presets.at(source.number - 1);
-}
-
-QByteArray contentOf(const Curve &curve, const Options &options)
-{
-    switch (options.format) {
-    case Format::Png:
-        return pngOf(curve, options.page);
-    case Format::Svg:
-        return svgOf(curve, options.page);
-    case Format::Pdf:
-        return pdfOf(curve, options.page);
-    case Format::Ply:
-        return plyOf(curve);
-    case Format::Csv:
-        break;
-    }
-    return csvOf(curve);
+    Curve curve = curveOf(row);
+    const int nonFinite = firstNonFinite(curve);
+    if (nonFinite >= 0)
+        throw failure(QStringLiteral("curve is not finite"), QStringLiteral("vertex %1").arg(nonFinite));
+    if (options.color.isValid())
+        curve.colors.fill(options.color.rgb());
+    return curve;
 }
 
 /// Writes `content` to the file at `path`, completely or not at all. Follows symbolic links. Throws on errors.
@@ -111,27 +61,16 @@ void save(const QByteArray &content, const QString &path)
     if (target.exists() && !target.isFile())
         throw failure(QStringLiteral("not a regular file"), path);
     QSaveFile file(target.filePath());
-    // Without flush, commit misses an error in writing the last bytes.
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush() || !file.commit())
-        throw failure(QStringLiteral("cannot write"), path + QStringLiteral(": ") + file.errorString());
-}
-
-/// Exports the curve of `row` to the file at `path`.
-void exportCurve(const QVector<float> &row, const Options &options, const QString &path)
-{
-    Curve curve = curveOf(row);
-    const int nonFinite = firstNonFinite(curve);
-    if (nonFinite >= 0)
-        throw failure(QStringLiteral("curve is not finite"), QStringLiteral("vertex %1").arg(nonFinite));
-    if (options.color.isValid()) {
-        for (CurveVertex &v : curve)
-            v.color = options.color.rgb();
+    bool isWritten = file.open(QIODevice::WriteOnly);
+    // After a part, write gives no reason why it stopped. The attempt to write the rest does.
+    for (qint64 done = 0; isWritten && done < content.size();) {
+        const qint64 part = file.write(content.constData() + done, content.size() - done);
+        isWritten = part > 0;
+        done += part;
     }
-
-    const QByteArray content = contentOf(curve, options);
-    if (content.isEmpty())
-        throw failure(QStringLiteral("cannot export"), QStringLiteral("not enough memory for the image"));
-    save(content, path);
+    // Without flush, commit misses an error in writing the last bytes.
+    if (!isWritten || !file.flush() || !file.commit())
+        throw failure(QStringLiteral("cannot write"), path + QStringLiteral(": ") + file.errorString());
 }
 
 /// A progress bar on standard error; invisible unless standard error is a terminal.
@@ -165,20 +104,150 @@ private:
 #endif
 };
 
+/// The export of one or more frames. The engine computes one curve after the other. Threads draw, encode and save them.
+class Export
+{
+public:
+    explicit Export(const Options &exported) : options(exported), nextRow(rowOf(exported.row))
+    {
+        advance(nextRow, options.firstFrame);
+        if (options.margin)
+            page.fit = fitOf(boxOfAllFrames(), page, *options.margin);
+    }
+
+    void exportFile()
+    {
+        const QByteArray content = contentOf(nextFrame());
+        if (options.file == QLatin1String("-"))
+            printContent(content);
+        else
+            save(content, options.file);
+    }
+
+    void exportNumberedFiles()
+    {
+        const Progress progress(options.frameCount);
+        int done = 0;
+        std::exception_ptr error;
+        const auto exportFrames = [&] {
+            std::unique_lock<std::mutex> lock(mutex);
+            while (frameIndex < options.frameCount && !error) {
+                try {
+                    const Frame frame = nextFrame();
+                    lock.unlock();
+                    save(contentOf(frame), numberedPath(options.file, frame.index + 1));
+                    lock.lock();
+                    progress.show(++done);
+                } catch (...) {
+                    if (!lock.owns_lock())
+                        lock.lock();
+                    if (!error)
+                        error = std::current_exception();
+                }
+            }
+        };
+        std::vector<std::thread> threads;
+        try {
+            for (int i = 1; i < threadCount(); ++i)
+                threads.emplace_back(exportFrames);
+        } catch (const std::system_error &) {
+            // No more threads are available. This one is enough.
+        }
+        exportFrames();
+        for (std::thread &thread : threads)
+            thread.join();
+        if (error)
+            std::rethrow_exception(error);
+    }
+
+    /// Returns whether an exported curve was not all on its page.
+    bool leftPage() const { return isBeyondPage; }
+
+private:
+    struct Frame
+    {
+        int index; ///< from 0
+        Curve curve;
+    };
+
+    Page pageOfFrame(int index) const
+    {
+        Page turned = page;
+        turned.turn = options.turnOfFrame(index);
+        return turned;
+    }
+
+    /// Computes the next frame. Not re-entrant, because the engine is global.
+    Frame nextFrame()
+    {
+        const Frame frame{frameIndex++, exportableCurve(nextRow, options)};
+        advance(nextRow, options.frameStep);
+        return frame;
+    }
+
+    /// Returns the box around the drawings of all frames on the page without fit.
+    QRectF boxOfAllFrames()
+    {
+        const QVector<float> firstRow = nextRow;
+        QRectF box;
+        for (int i = 0; i < std::max(options.frameCount, 1); ++i) {
+            const Frame frame = nextFrame();
+            const QRectF one = drawingOf(frame.curve, pageOfFrame(frame.index)).box();
+            // Unlike QRectF::united, also for boxes without area.
+            box = i == 0 ? one
+                         : QRectF(QPointF(std::min(box.left(), one.left()), std::min(box.top(), one.top())),
+                                  QPointF(std::max(box.right(), one.right()), std::max(box.bottom(), one.bottom())));
+        }
+        nextRow = firstRow;
+        frameIndex = 0;
+        return box;
+    }
+
+    /// Returns the content of the file of `frame`. Thread-safe.
+    QByteArray contentOf(const Frame &frame)
+    {
+        const Format &format = *options.format;
+        if (format.list != nullptr)
+            return format.list(frame.curve);
+        const Page framePage = pageOfFrame(frame.index);
+        const Drawing drawing = drawingOf(frame.curve, framePage);
+        const QByteArray content = format.draw(drawing, framePage);
+        if (content.isEmpty())
+            throw failure(QStringLiteral("cannot export"), QStringLiteral("not enough memory for the image"));
+        if (!options.margin && leavesPage(drawing, framePage)) {
+            const std::lock_guard<std::mutex> lock(mutex);
+            isBeyondPage = true;
+        }
+        return content;
+    }
+
+    /// Returns the number of threads that export frames: one per processor, but no more than 1 GiB of images at a time.
+    int threadCount() const
+    {
+        const bool isImage = (options.format->features & Pixels) != 0;
+        const double imageSize = isImage ? page.width * page.height * 4.0 : 1.0;
+        const double most = std::max((1 << 30) / imageSize, 1.0);
+        return static_cast<int>(std::min(
+            {static_cast<double>(QThread::idealThreadCount()), most, static_cast<double>(options.frameCount)}));
+    }
+
+    const Options &options;
+    Page page = options.page;
+    std::mutex mutex;          ///< of what follows
+    QVector<float> nextRow;    ///< of the frame `frameIndex`
+    int frameIndex = 0;        ///< of the next frame
+    bool isBeyondPage = false; ///< for a curve so far
+};
+
 } // namespace
 
 void exportCurves(const Options &options)
 {
-    QVector<float> row = rowOf(options.row);
-    advance(row, options.firstFrame);
-    if (options.frameCount == 0) {
-        exportCurve(row, options, options.file);
-        return;
-    }
-    const Progress progress(options.frameCount);
-    for (int frame = 1; frame <= options.frameCount; ++frame) {
-        exportCurve(row, options, numberedPath(options.file, frame));
-        advance(row, 1);
-        progress.show(frame);
-    }
+    Export frames(options);
+    if (options.frameCount == 0)
+        frames.exportFile();
+    else
+        frames.exportNumberedFiles();
+    if (frames.leftPage())
+        printWarning(QStringLiteral("the curve leaves the page; use --margin to fit it into the page"));
 }

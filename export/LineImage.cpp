@@ -1,252 +1,259 @@
 #include "export/LineImage.h"
 
+#include <QPainter>
+
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstddef>
-#include <limits>
 #include <vector>
 
-// Supersampling with a z-buffer: every pixel has 16 samples, each with a colour and a nearness. A pixel row is divided
-// into 16 subrows with one sample per pixel. The horizontal position of the sample in its pixel differs from subrow to
-// subrow, so that nearly horizontal and nearly vertical edges both have 16 levels of coverage.
+// Supersampling: QPainter draws the lines from far to near, without antialiasing, at 4 by 4 times the size into a tile,
+// and the mean of each 16 samples is a pixel. QPainter's own antialiasing would blend the background into the joints,
+// and its stroker takes 1.2 times the time of filling the polygons below (3.5 times for wide lines).
 //
-// The image is rendered in bands of a few pixel rows. Each band draws all segments that touch it and then resolves its
-// samples to pixels.
+// The image is divided recursively into tiles. In a tile, all that is farther than a line that covers the tile is left
+// out, so that wide lines do not fill each pixel thousands of times.
 
 namespace {
 
-constexpr int samples = 16;
+constexpr int scale = 4; ///< samples per pixel in each direction
 
-/// Positions of the subrows' samples in a pixel, in 1/16 of its width.
-constexpr std::array<int, samples> sampleOrder = {0, 8, 4, 12, 2, 10, 6, 14, 1, 9, 5, 13, 3, 11, 7, 15};
+/// Tiles have at most `largestTile` pixels a side. Tiles of more than `smallestTile` are divided while lines would fill
+/// them more than `mostFills` times. Measured at 1600x1600: every width takes less than five times the time of the
+/// default width.
+constexpr int largestTile = 256;
+constexpr int smallestTile = 32;
+constexpr double mostFills = 30.0;
 
-/// Pixel rows per band: few enough for the samples of an image of usual width to stay in the cache.
-constexpr int bandHeight = 8;
-
-/// An interval of x; empty unless `left` <= `right`.
-struct Span
+/// A straight piece of the curve of one colour.
+struct Piece
 {
-    double left = std::numeric_limits<double>::infinity();
-    double right = -std::numeric_limits<double>::infinity();
-
-    void add(double from, double to)
-    {
-        left = std::min(left, from);
-        right = std::max(right, to);
-    }
+    QPointF from;
+    QPointF to;
+    double nearness;
+    QRgb color;
 };
 
-/// A segment of the line with round ends, which form the joins.
-class Segment
+using Pieces = std::vector<const Piece *>;
+
+/// Returns the colour `part` (0 to 1) of the way from `a` to `b`.
+QRgb mixed(QRgb a, QRgb b, double part)
 {
-public:
-    Segment(const ImageVertex &from, const ImageVertex &to, double lineWidth)
-        : a(from), b(to), radius(lineWidth / 2.0), dx(b.x - a.x), dy(b.y - a.y), squaredLength(dx * dx + dy * dy),
-          isPoint(squaredLength < 1e-12)
-    {
-    }
-
-    double top() const { return std::min(a.y, b.y) - radius; }
-    double bottom() const { return std::max(a.y, b.y) + radius; }
-
-    /// Returns the interval of x that the segment covers at `y`.
-    Span at(double y) const
-    {
-        Span span;
-        for (const ImageVertex *end : {&a, &b}) {
-            const double distance = y - end->y;
-            if (std::abs(distance) <= radius) {
-                const double half = std::sqrt(radius * radius - distance * distance);
-                span.add(end->x - half, end->x + half);
-            }
-        }
-        if (isPoint || dy == 0.0)
-            return span;
-        // Intersections with the two long sides, which are the segment moved by `side` times (-dy, dx). The short sides
-        // are inside the round ends.
-        const double perUnit = radius / std::sqrt(squaredLength);
-        for (const double side : {perUnit, -perUnit}) {
-            const double along = (y - (a.y + dx * side)) / dy;
-            if (along >= 0.0 && along <= 1.0) {
-                const double x = a.x - dy * side + dx * along;
-                span.add(x, x);
-            }
-        }
-        return span;
-    }
-
-    const ImageVertex &a;
-    const ImageVertex &b;
-    double radius;
-    double dx;
-    double dy;
-    double squaredLength;
-    bool isPoint;
-};
-
-/// Returns the colour `part` / 256 of the way from `a` to `b`. Interpolates red and blue in one multiplication.
-QRgb mixed(QRgb a, QRgb b, unsigned part)
-{
-    const unsigned redBlue = ((a & 0xFF00FFU) * (256U - part) + (b & 0xFF00FFU) * part) >> 8U;
-    const unsigned green = ((a & 0xFF00U) * (256U - part) + (b & 0xFF00U) * part) >> 8U;
-    return (redBlue & 0xFF00FFU) | (green & 0xFF00U);
+    const auto mix = [part](int from, int to) { return static_cast<int>(from + (to - from) * part + 0.5); };
+    return qRgb(mix(qRed(a), qRed(b)), mix(qGreen(a), qGreen(b)), mix(qBlue(a), qBlue(b)));
 }
 
-/// The samples of a band.
-class Band
+/// Appends the pieces of segment `i` of `drawing` to `pieces`: pieces no longer than `longest`, so that colour and
+/// nearness change in small steps, and 1/16 pixel from a Bézier curve at most.
+void appendPieces(std::vector<Piece> &pieces, const Drawing &drawing, int i, double longest)
+{
+    const QPointF a = drawing.position(i);
+    const QPointF d = drawing.position(i + 1);
+    const bool isCurved = !drawing.controls.isEmpty();
+    const QPointF b = isCurved ? drawing.controls.at(2 * i) : a;
+    const QPointF c = isCurved ? drawing.controls.at(2 * i + 1) : d;
+    const auto length = [](const QPointF &v) { return std::sqrt(QPointF::dotProduct(v, v)); };
+    // The second derivative of a Bézier curve is at most 6 times the greater second difference. n chords of equal
+    // parameter are 1 / (8 n^2) of it from the curve.
+    const double bend = isCurved ? std::max(length(a - 2.0 * b + c), length(b - 2.0 * c + d)) : 0.0;
+    const double parts = std::max(length(d - a) / longest, std::sqrt(6.0 * bend / 8.0 * 16.0));
+    const int count = static_cast<int>(std::ceil(std::clamp(parts, 1.0, 1000.0)));
+    const auto at = [&](int k) {
+        const double s = static_cast<double>(k) / count;
+        const double r = 1.0 - s;
+        return isCurved ? a * (r * r * r) + b * (3.0 * r * r * s) + c * (3.0 * r * s * s) + d * (s * s * s)
+                        : a * r + d * s;
+    };
+    const double near = drawing.points.at(i).nearness;
+    const double change = drawing.points.at(i + 1).nearness - near;
+    const QRgb color = vertexColor(drawing.colors, i);
+    const QRgb next = vertexColor(drawing.colors, i + 1);
+    for (int k = 0; k < count; ++k) {
+        const double middle = (k + 0.5) / count;
+        pieces.push_back({at(k), at(k + 1), near + change * middle, mixed(color, next, middle)});
+    }
+}
+
+/// Draws pieces of one width into an image.
+class Painting
 {
 public:
-    explicit Band(int imageWidth)
-        : width(imageWidth), nearness(static_cast<std::size_t>(width) * bandHeight * samples), colors(nearness.size()),
-          sums(static_cast<std::size_t>(width))
+    Painting(QImage &target, double lineWidth, const QColor &background)
+        : image(target), radius(lineWidth / 2.0), ground(background.isValid() ? background.rgb() : 0U)
     {
-    }
-
-    /// Moves the band to the pixel rows from `firstRow` on. The samples must be empty.
-    void moveTo(int firstRow)
-    {
-        top = firstRow;
-        touched.fill({width, 0});
-    }
-
-    /// Draws the part of `segment` in the band into the samples.
-    void draw(const Segment &segment)
-    {
-        const int first = std::max(subrowAfter(segment.top()), top * samples);
-        const int last = std::min(subrowAfter(segment.bottom()), (top + bandHeight) * samples) - 1;
-        for (int subrow = first; subrow <= last; ++subrow)
-            drawSubrow(segment, subrow);
-    }
-
-    /// Resolves the samples of pixel row `row`: writes the covered pixels to `line` and clears the samples.
-    void resolve(int row, QRgb *line, const QColor &background)
-    {
-        const auto [begin, end] = touched.at(static_cast<std::size_t>(row - top));
-        if (begin >= end)
-            return;
-        std::fill(sums.begin() + begin, sums.begin() + end, Sum());
-        for (int sample = 0; sample < samples; ++sample) {
-            float *const near = nearness.data() + indexOf((row - top) * samples + sample);
-            const QRgb *const color = colors.data() + indexOf((row - top) * samples + sample);
-            for (int x = begin; x < end; ++x) {
-                if (near[x] > 0.0F)
-                    sums[static_cast<std::size_t>(x)].add(color[x]);
-            }
-            std::fill(near + begin, near + end, 0.0F);
+        // A polygon in place of a half circle: at most 1/4 sample from it up to a diameter of 200 pixels.
+        constexpr double pi = 3.14159265358979323846;
+        const double samples = radius * scale;
+        const int edges = std::clamp(static_cast<int>(std::ceil(pi * std::sqrt(samples / 2.0))), 4, 32);
+        for (int i = 0; i <= edges; ++i) {
+            const double angle = pi * (static_cast<double>(i) / edges - 0.5);
+            halfCircle.append({samples * std::cos(angle), samples * std::sin(angle)});
         }
-        for (int x = begin; x < end; ++x)
-            line[x] = sums[static_cast<std::size_t>(x)].pixel(background);
+    }
+
+    /// Draws `pieces`, which are sorted from near to far, into the part `tile` of the image.
+    void draw(const QRect &tile, const Pieces &pieces)
+    {
+        // Farther pieces are visible only in the cells of the tile that nearer ones leave open.
+        std::vector<QRectF> open = cellsOf(tile);
+        const double halfDiagonal = std::hypot(open.front().width(), open.front().height()) / 2.0;
+        Pieces visible;
+        double area = 0.0;
+        for (const Piece *piece : pieces) {
+            const double part = areaIn(tile, *piece);
+            if (part <= 0.0)
+                continue;
+            bool isVisible = false;
+            const auto isCovered = [&](const QRectF &cell) {
+                const double away = distance(*piece, cell.center());
+                isVisible = isVisible || away < radius + halfDiagonal + 1.0;
+                return away + halfDiagonal < radius * 0.998 - 0.25; // the polygon is not a circle
+            };
+            open.erase(std::remove_if(open.begin(), open.end(), isCovered), open.end());
+            if (!isVisible)
+                continue;
+            visible.push_back(piece);
+            area += part;
+            if (open.empty())
+                break;
+        }
+        if (visible.empty())
+            return;
+        const int side = std::max(tile.width(), tile.height());
+        if (side > largestTile || (side > smallestTile && area > mostFills * tile.width() * tile.height())) {
+            const int width = (tile.width() + 1) / 2;
+            const int height = (tile.height() + 1) / 2;
+            for (const int y : {0, height}) {
+                for (const int x : {0, width})
+                    draw(tile & QRect(tile.x() + x, tile.y() + y, width, height), visible);
+            }
+            return;
+        }
+        QImage samples(tile.size() * scale, QImage::Format_ARGB32_Premultiplied);
+        if (samples.isNull())
+            throw std::bad_alloc();
+        samples.fill(ground);
+        fill(samples, tile.topLeft(), visible);
+        resolve(samples, tile);
     }
 
 private:
-    /// The covered samples of a pixel.
-    struct Sum
+    /// Returns the area of the part of the bounding rectangle of `piece` in `tile`.
+    double areaIn(const QRect &tile, const Piece &piece) const
     {
-        int count = 0;
-        int red = 0;
-        int green = 0;
-        int blue = 0;
-
-        void add(QRgb color)
-        {
-            ++count;
-            red += qRed(color);
-            green += qGreen(color);
-            blue += qBlue(color);
-        }
-
-        QRgb pixel(const QColor &background) const
-        {
-            if (background.isValid()) {
-                const int rest = samples - count;
-                const auto mean = [rest](int sum, int ground) { return (sum + rest * ground + samples / 2) / samples; };
-                return qRgb(mean(red, background.red()), mean(green, background.green()),
-                            mean(blue, background.blue()));
-            }
-            if (count == 0)
-                return 0;
-            const auto mean = [this](int sum) { return (sum + count / 2) / count; };
-            return qRgba(mean(red), mean(green), mean(blue), (count * 255 + samples / 2) / samples);
-        }
-    };
-
-    struct Range
-    {
-        int begin;
-        int end;
-    };
-
-    /// Returns the first subrow of the image at or below `y`, clamped to the band and one subrow on either side.
-    int subrowAfter(double y) const
-    {
-        const double subrow = std::ceil(y * samples - 0.5);
-        return static_cast<int>(std::clamp(subrow, top * double(samples) - 1.0, (top + bandHeight) * double(samples)));
+        const auto overlap = [this](double a, double b, int start, int length) {
+            return std::min(std::max(a, b) + radius, static_cast<double>(start) + length) -
+                   std::max(std::min(a, b) - radius, static_cast<double>(start));
+        };
+        const double width = overlap(piece.from.x(), piece.to.x(), tile.x(), tile.width());
+        const double height = overlap(piece.from.y(), piece.to.y(), tile.y(), tile.height());
+        return width > 0.0 && height > 0.0 ? width * height : 0.0;
     }
 
-    std::ptrdiff_t indexOf(int subrowOfBand) const { return static_cast<std::ptrdiff_t>(subrowOfBand) * width; }
-
-    void drawSubrow(const Segment &segment, int subrow)
+    /// Returns the cells of `tile`: one for lines that are too thin to cover more.
+    std::vector<QRectF> cellsOf(const QRect &tile) const
     {
-        const double y = (subrow + 0.5) / samples;
-        const double offset = (sampleOrder.at(static_cast<std::size_t>(subrow % samples)) + 0.5) / samples;
-        const Span span = segment.at(y);
-        const double left = std::max(std::ceil(span.left - offset), 0.0);
-        const double right = std::min(std::floor(span.right - offset), width - 1.0);
-        if (!(left <= right))
-            return;
-        const int begin = static_cast<int>(left);
-        const int end = static_cast<int>(right) + 1;
-        Range &range = touched.at(static_cast<std::size_t>(subrow / samples - top));
-        range = {std::min(range.begin, begin), std::max(range.end, end)};
+        const int count = radius < 8.0 ? 1 : 8;
+        const QSizeF size = QSizeF(tile.size()) / count;
+        std::vector<QRectF> cells;
+        for (int y = 0; y < count; ++y) {
+            for (int x = 0; x < count; ++x)
+                cells.emplace_back(QPointF(tile.x() + x * size.width(), tile.y() + y * size.height()), size);
+        }
+        return cells;
+    }
 
-        // The position along the segment, 0 at a and 1 at b: at the first sample, and its change per pixel.
-        const double scale = segment.isPoint ? 0.0 : 1.0 / segment.squaredLength;
-        const double start = ((begin + offset - segment.a.x) * segment.dx + (y - segment.a.y) * segment.dy) * scale;
-        const double step = segment.dx * scale;
-        const double deltaNearness = segment.b.nearness - segment.a.nearness;
-        float *const near = nearness.data() + indexOf(subrow - top * samples);
-        QRgb *const color = colors.data() + indexOf(subrow - top * samples);
-        for (int x = begin; x < end; ++x) {
-            const double along = std::clamp(start + (x - begin) * step, 0.0, 1.0);
-            const auto depth = static_cast<float>(segment.a.nearness + along * deltaNearness);
-            if (depth >= near[x]) {
-                near[x] = depth;
-                color[x] = mixed(segment.a.color, segment.b.color, static_cast<unsigned>(along * 256.0));
-            }
+    /// Returns the distance of `point` from the line of `piece`.
+    static double distance(const Piece &piece, const QPointF &point)
+    {
+        const QPointF along = piece.to - piece.from;
+        const QPointF v = point - piece.from;
+        const double squaredLength = QPointF::dotProduct(along, along);
+        const double part =
+            squaredLength > 0.0 ? std::clamp(QPointF::dotProduct(v, along) / squaredLength, 0.0, 1.0) : 0.0;
+        const QPointF away = v - along * part;
+        return std::sqrt(QPointF::dotProduct(away, away));
+    }
+
+    /// Draws `pieces` from the last to the first. `origin` is the position of the samples in the image.
+    void fill(QImage &samples, const QPointF &origin, const Pieces &pieces) const
+    {
+        QPainter painter(&samples);
+        painter.setPen(Qt::NoPen);
+        const int half = static_cast<int>(halfCircle.size());
+        std::vector<QPointF> outline(static_cast<std::size_t>(2 * half));
+        for (auto each = pieces.rbegin(); each != pieces.rend(); ++each) {
+            const QPointF from = ((*each)->from - origin) * scale;
+            const QPointF to = ((*each)->to - origin) * scale;
+            const double length = std::sqrt(QPointF::dotProduct(to - from, to - from));
+            const QPointF along = length > 0.0 ? (to - from) / length : QPointF(1.0, 0.0);
+            const QPointF across(-along.y(), along.x());
+            auto corner = outline.begin();
+            for (const QPointF &p : halfCircle)
+                *corner++ = to + along * p.x() + across * p.y();
+            for (const QPointF &p : halfCircle)
+                *corner++ = from - along * p.x() - across * p.y();
+            painter.setBrush(QColor((*each)->color));
+            painter.drawConvexPolygon(outline.data(), 2 * half);
         }
     }
 
-    int width;
-    int top = 0;
-    std::vector<float> nearness; ///< of each sample; 0 if it is not covered
-    std::vector<QRgb> colors;
-    std::vector<Sum> sums;                   ///< scratch space of resolve
-    std::array<Range, bandHeight> touched{}; ///< the pixels of each row that may have samples
+    /// Writes the means of `samples`, which are opaque or 0, to the pixels of `tile`.
+    void resolve(const QImage &samples, const QRect &tile)
+    {
+        for (int y = 0; y < tile.height(); ++y) {
+            const QRgb *lines[scale];
+            for (int i = 0; i < scale; ++i)
+                lines[i] = reinterpret_cast<const QRgb *>(samples.constScanLine(y * scale + i));
+            QRgb *const pixels = reinterpret_cast<QRgb *>(image.scanLine(tile.y() + y)) + tile.x();
+            for (int x = 0; x < tile.width(); ++x) {
+                unsigned alphaGreen = 0; // two sums in one: 16 samples of 255 fit 16 bits
+                unsigned redBlue = 0;
+                for (const QRgb *line : lines) {
+                    for (int i = x * scale; i < (x + 1) * scale; ++i) {
+                        alphaGreen += line[i] >> 8U & 0xFF00FFU;
+                        redBlue += line[i] & 0xFF00FFU;
+                    }
+                }
+                pixels[x] = mean(alphaGreen >> 16U, redBlue >> 16U, alphaGreen & 0xFFFFU, redBlue & 0xFFFFU);
+            }
+        }
+    }
+
+    /// Returns the pixel of these sums: the mean colour of the covered samples, and their share as alpha.
+    static QRgb mean(unsigned alpha, unsigned red, unsigned green, unsigned blue)
+    {
+        constexpr unsigned all = scale * scale;
+        const unsigned covered = alpha / 255U;
+        if (covered == 0)
+            return 0;
+        const auto part = [covered](unsigned sum) { return static_cast<int>((sum + covered / 2) / covered); };
+        return qRgba(part(red), part(green), part(blue), static_cast<int>((alpha + all / 2) / all));
+    }
+
+    QImage &image;
+    double radius;
+    QRgb ground;                 ///< the background's colour, or 0
+    QVector<QPointF> halfCircle; ///< corners of a polygon about the origin, in samples, from below to above
 };
 
 } // namespace
 
-QImage imageOfLine(const QVector<ImageVertex> &vertices, int width, int height, double lineWidth,
-                   const QColor &background)
+QImage imageOf(const Drawing &drawing, const Page &page)
 {
-    QImage image(width, height, background.isValid() ? QImage::Format_RGB32 : QImage::Format_ARGB32);
+    const QSize size(static_cast<int>(page.width), static_cast<int>(page.height));
+    QImage image(size, page.background.isValid() ? QImage::Format_RGB32 : QImage::Format_ARGB32);
     if (image.isNull())
         return image;
-    image.fill(background.isValid() ? background : QColor(Qt::transparent));
+    image.fill(page.background.isValid() ? page.background : QColor(Qt::transparent));
 
-    std::vector<Segment> segments;
-    for (int i = 1; i < vertices.size(); ++i)
-        segments.emplace_back(vertices.at(i - 1), vertices.at(i), lineWidth);
-    Band band(width);
-    for (int top = 0; top < height; top += bandHeight) {
-        band.moveTo(top);
-        for (const Segment &segment : segments) {
-            if (segment.bottom() >= top && segment.top() <= top + bandHeight)
-                band.draw(segment);
-        }
-        for (int row = top; row < std::min(top + bandHeight, height); ++row)
-            band.resolve(row, reinterpret_cast<QRgb *>(image.scanLine(row)), background);
-    }
+    std::vector<Piece> pieces;
+    for (int i = 0; i < drawing.segmentCount(); ++i)
+        appendPieces(pieces, drawing, i, std::max(page.height / 40.0, 4.0));
+    Pieces fromNearToFar;
+    for (auto piece = pieces.rbegin(); piece != pieces.rend(); ++piece)
+        fromNearToFar.push_back(&*piece);
+    std::stable_sort(fromNearToFar.begin(), fromNearToFar.end(),
+                     [](const Piece *a, const Piece *b) { return a->nearness > b->nearness; });
+    Painting(image, page.lineWidth, page.background).draw(image.rect(), fromNearToFar);
     return image;
 }

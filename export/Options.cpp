@@ -2,40 +2,95 @@
 
 #include "engine/RowText.h"
 #include "export/ExportError.h"
+#include "export/LineImage.h"
 #include "view/Camera.h"
 
 #include <QCommandLineParser>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <optional>
 
 namespace {
 
-constexpr int presetCount = 12;
-constexpr int lastFrame = 1000000;
 constexpr int mostFrames = 99999;
-constexpr double mostPixels = 16384.0;
+constexpr int mostPixels = 16384;
 constexpr double mostMillimetres = 5000.0;
+constexpr double millimetresPerInch = 25.4;
 
-struct FormatName
+/// Shorter side of A0 to A6 in millimetres, by size, followed by the longer side of A0. The longer side of a size is
+/// the shorter side of the next larger one.
+constexpr std::array<int, 8> sidesOfPaper = {1189, 841, 594, 420, 297, 210, 148, 105};
+
+/// Options that need another option.
+enum class Needs { Nothing, Frames };
+
+struct Option
 {
     const char *name;
-    Format format;
+    const char *value; ///< name of the value in the help; empty for an option without value
+    const char *description;
+    const char *expected; ///< valid values; null for whole numbers from `first` to `last`
+    int first = 0;
+    int last = 0;
+    const char *byDefault = nullptr;
+    unsigned features = 0; ///< of the formats that the option concerns; 0 for all
+    Needs needs = Needs::Nothing;
 };
-constexpr std::array<FormatName, 5> formatNames = {
-    {{"png", Format::Png}, {"svg", Format::Svg}, {"pdf", Format::Pdf}, {"ply", Format::Ply}, {"csv", Format::Csv}}};
+
+constexpr const char *colorNames = "an SVG colour name or #rrggbb";
+constexpr const char *angles = "three numbers of degrees";
+
+const Option optionTable[] = {
+    {"format", "F", "Format", "", 0, 0, "the extension of FILE"},
+    {"preset", "N", "Built-in preset", nullptr, 1, Pendrix3D::presetCount, "1"},
+    {"row", "N", "Row of the settings file, or of --rows", nullptr, 1, Pendrix3D::rowCount},
+    {"rows", "FILE", "Text file with rows as the application copies them", "a file name, or - for standard input"},
+    {"values", "F1,F2,F3,P1,P2,C", "Parameter row", "three frequencies, two phases and the colour mode"},
+    {"frame", "N", "Frame of the animation", nullptr, 0, 1000000, "0"},
+    {"frames", "N", "Number of files name-00001.ext, name-00002.ext, ...", nullptr, 1, mostFrames, "one file FILE"},
+    {"frame-step", "N", "Frames of the animation from file to file", nullptr, 0, 1000, "1", 0, Needs::Frames},
+    {"turn", "X,Y,Z", "Rotation about x, y and z", angles, 0, 0, "0,0,0", Picture},
+    {"turn-step", "X,Y,Z", "Rotation added from file to file", angles, 0, 0, "0,0,0", Picture, Needs::Frames},
+    {"size", "WxH", "Size of the page",
+     "WxH in pixels for png, 1 to 16384, in millimetres for svg and pdf, 1 to 5000; WxHmm in millimetres; or a0 to a6",
+     0, 0, "1600x1600 for png, else 200x200", Picture},
+    {"dpi", "N", "Pixels per inch of a png whose --size is in millimetres", nullptr, 10, 2400, "300", Pixels},
+    {"margin", "M", "Scale and centre the curve to fill the page up to this margin",
+     "0 to less than half of the smaller side of --size, with room for --line-width", 0, 0, nullptr, Picture},
+    {"line-width", "W", "Line width in the unit of --size", "above 0, up to the largest --size", 0, 0,
+     "0.2 mm, or 1 pixel per 500 pixels of height and at least 1", Picture},
+    {"smooth", "", "Draw smooth curves instead of straight segments", "", 0, 0, nullptr, Picture},
+    {"order", "O", "Order of the segments", "curve, or depth so that near ones hide far ones", 0, 0, "curve", Paths},
+    {"color", "COLOR", "One colour for the whole curve", colorNames},
+    {"background", "COLOR", "Colour of the page", "an SVG colour name, #rrggbb or none", 0, 0,
+     "black for png, else none", Picture},
+};
 
 ExportError wrongUsage(const QString &problem, const QString &detail)
 {
     return {ExportError::wrongUsage, problem, detail};
 }
 
+/// Returns the valid values of `option`.
+QString expectedValues(const Option &option)
+{
+    if (qstrcmp(option.name, "format") == 0)
+        return formatNames(0);
+    return option.expected != nullptr ? QString::fromLatin1(option.expected)
+                                      : QStringLiteral("%1 to %2").arg(option.first).arg(option.last);
+}
+
+const Option &optionOf(const char *name)
+{
+    return *std::find_if(std::begin(optionTable), std::end(optionTable),
+                         [name](const Option &option) { return qstrcmp(option.name, name) == 0; });
+}
+
 /// Returns the error for `value` of the option `name`.
 ExportError wrongValue(const char *name, const QString &value)
 {
-    return wrongUsage(QStringLiteral("invalid value of --") + QLatin1String(name), value);
+    return wrongUsage(QStringLiteral("invalid value of --") + QLatin1String(name),
+                      value + QStringLiteral(": expected ") + expectedValues(optionOf(name)));
 }
 
 /// Returns the value of `text`, a whole number from `first` to `last` in digits only. Returns nothing for other text.
@@ -72,43 +127,11 @@ std::optional<QColor> colorOf(const QString &value)
     return color.isValid() ? std::optional(color) : std::nullopt;
 }
 
-/// Returns the format named `name` in any case, nothing for an unknown name.
-std::optional<Format> formatOf(const QString &name)
-{
-    for (const FormatName &each : formatNames) {
-        if (name.compare(QLatin1String(each.name), Qt::CaseInsensitive) == 0)
-            return each.format;
-    }
-    return {};
-}
-
 /// Returns the index of the dot before the extension of `path`, or its length if it has no extension.
 int extensionDot(const QString &path)
 {
-    const int dot = path.lastIndexOf(QLatin1Char('.'));
-    return dot > path.lastIndexOf(QLatin1Char('/')) ? dot : path.size();
-}
-
-/// Returns `degrees` in 1/16 degree, rounded, 0 to 5759.
-int angleOf(double degrees)
-{
-    const double units = std::round(std::fmod(degrees, 360.0) * 16.0);
-    return Camera::normalisedAngle(static_cast<int>(units)) % Camera::fullTurn;
-}
-
-Turn turnOf(const QString &text)
-{
-    const QStringList parts = text.split(QLatin1Char(','));
-    std::array<int, 3> angles = {};
-    if (parts.size() != static_cast<int>(angles.size()))
-        throw wrongValue("turn", text);
-    std::transform(parts.begin(), parts.end(), angles.begin(), [&text](const QString &part) {
-        const auto degrees = decimalNumber(part);
-        if (!degrees)
-            throw wrongValue("turn", text);
-        return angleOf(*degrees);
-    });
-    return {angles[0], angles[1], angles[2]};
+    const auto dot = path.lastIndexOf(QLatin1Char('.'));
+    return static_cast<int>(dot > path.lastIndexOf(QLatin1Char('/')) ? dot : path.size());
 }
 
 QVector<float> valuesOf(const QString &text)
@@ -126,24 +149,6 @@ QVector<float> valuesOf(const QString &text)
     return row;
 }
 
-/// Stores the size `text`, WxH, in `page`: in pixels or, unless `inPixels`, in millimetres. Throws if it is malformed.
-void setSize(Page &page, const QString &text, bool inPixels)
-{
-    const QStringList parts = text.split(QLatin1Char('x'));
-    const auto length = [inPixels](const QString &part) -> std::optional<double> {
-        if (inPixels)
-            return wholeNumber(part, 1, static_cast<int>(mostPixels));
-        const auto number = decimalNumber(part);
-        return number && *number >= 1.0 && *number <= mostMillimetres ? number : std::nullopt;
-    };
-    const auto width = length(parts.value(0));
-    const auto height = length(parts.value(1));
-    if (parts.size() != 2 || !width || !height)
-        throw wrongValue("size", text);
-    page.width = *width;
-    page.height = *height;
-}
-
 /// The options of a command line, by name.
 class CommandLine
 {
@@ -151,24 +156,21 @@ public:
     explicit CommandLine(const QStringList &arguments)
     {
         parser.setApplicationDescription(QStringLiteral("Exports a curve of Pendrix 3D to a file."));
-        parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("File to write."));
+        parser.addPositionalArgument(QStringLiteral("FILE"),
+                                     QStringLiteral("File to write; - is standard output and requires --format."));
+        for (const Option &option : optionTable) {
+            QString help = QLatin1String(option.description);
+            const QString expected = expectedValues(option);
+            if (!expected.isEmpty())
+                help += QStringLiteral(": ") + expected;
+            help += QLatin1Char('.');
+            if (option.byDefault != nullptr)
+                help += QStringLiteral(" Default: %1.").arg(QLatin1String(option.byDefault));
+            if (option.features != 0)
+                help += QStringLiteral(" Only for %1.").arg(formatNames(option.features));
+            parser.addOption({QLatin1String(option.name), help, QLatin1String(option.value)});
+        }
         parser.addOptions({
-            option("format", "F", "Format: png, svg, pdf, ply or csv. Default: the extension of FILE."),
-            option("preset", "N", "Built-in preset 1 to 12. Default: 1."),
-            option("row", "N", "Row 1 to 64 of the settings file, or of --rows."),
-            option("rows", "FILE", "Text file with rows as the application copies them; - is standard input."),
-            option("values", "F1,F2,F3,P1,P2,C", "Parameter row: three frequencies, two phases and the colour mode."),
-            option("frame", "N", "Frame of the animation, 0 to 1000000. Default: 0."),
-            option("turn", "X,Y,Z", "Rotation about x, y and z in degrees. Default: 0,0,0."),
-            option("size", "WxH",
-                   "Size: up to 16384 pixels for PNG, up to 5000 millimetres for SVG and PDF. Default: 1600x1600 for "
-                   "PNG, 200x200 for SVG and PDF."),
-            option("line-width", "W",
-                   "Line width in the unit of --size. Default: 1 pixel per 500 pixels of height, at least 1, for PNG; "
-                   "0.2 mm for SVG and PDF."),
-            option("color", "COLOR", "One colour for the whole curve: an SVG colour name or #rrggbb."),
-            option("background", "COLOR", "Colour of the page, or none. Default: black for PNG, none for SVG and PDF."),
-            option("frames", "N", "Number of frames, 1 to 99999, to export to name-00001.ext, name-00002.ext, ..."),
             {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Prints this help.")},
             {{QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Prints the version.")},
         });
@@ -184,12 +186,28 @@ public:
     QStringList files() const { return parser.positionalArguments(); }
     QString help() const { return parser.helpText(); }
 
-    /// Returns the number of the option `name`, or `byDefault` without it. Throws unless it is `first` to `last`.
-    int number(const char *name, int first, int last, int byDefault) const
+    /// Throws if an option has no effect with `format` or without another option.
+    void checkEffects(const Format &format) const
+    {
+        for (const Option &option : optionTable) {
+            const auto rejectUnless = [this, &option](bool isEffective, const QString &needed) {
+                if (isSet(option.name) && !isEffective)
+                    throw wrongUsage(QStringLiteral("invalid option"),
+                                     QStringLiteral("--%1: only for %2").arg(QLatin1String(option.name), needed));
+            };
+            rejectUnless(option.features == 0 || (option.features & format.features) != 0,
+                         formatNames(option.features));
+            rejectUnless(option.needs != Needs::Frames || isSet("frames"), QStringLiteral("--frames"));
+        }
+    }
+
+    /// Returns the number of the option `name`, or `byDefault` without it. Throws unless it is in the option's range.
+    int number(const char *name, int byDefault) const
     {
         if (!isSet(name))
             return byDefault;
-        const auto number = wholeNumber(value(name), first, last);
+        const Option &option = optionOf(name);
+        const auto number = wholeNumber(value(name), option.first, option.last);
         if (!number)
             throw wrongValue(name, value(name));
         return *number;
@@ -206,12 +224,25 @@ public:
         return *color;
     }
 
-private:
-    static QCommandLineOption option(const char *name, const char *value, const char *description)
+    /// Returns the angles of the option `name` in degrees, less than a full turn, or zeros without it.
+    std::array<double, 3> angles(const char *name) const
     {
-        return {QLatin1String(name), QLatin1String(description), QLatin1String(value)};
+        std::array<double, 3> angles = {};
+        if (!isSet(name))
+            return angles;
+        const QStringList parts = value(name).split(QLatin1Char(','));
+        if (parts.size() != static_cast<int>(angles.size()))
+            throw wrongValue(name, value(name));
+        std::transform(parts.begin(), parts.end(), angles.begin(), [this, name](const QString &part) {
+            const auto degrees = decimalNumber(part);
+            if (!degrees)
+                throw wrongValue(name, value(name));
+            return std::fmod(*degrees, 360.0);
+        });
+        return angles;
     }
 
+private:
     QCommandLineParser parser;
 };
 
@@ -227,42 +258,130 @@ RowSource rowSource(const CommandLine &line)
         row.values = valuesOf(line.value("values"));
     } else if (hasRow) {
         row.kind = line.isSet("rows") ? RowSource::Text : RowSource::Settings;
-        row.number = line.number("row", 1, Pendrix3D::rowCount, 1);
+        row.number = line.number("row", 1);
         row.file = line.value("rows");
         if (line.isSet("rows") && row.file.isEmpty())
             throw wrongValue("rows", row.file);
     } else {
-        row.number = line.number("preset", 1, presetCount, 1);
+        row.number = line.number("preset", 1);
     }
     return row;
 }
 
-Page page(const CommandLine &line, Format format)
+/// A size with its unit.
+struct Size
 {
-    const bool inPixels = format == Format::Png;
-    const bool isDrawing = inPixels || format == Format::Svg || format == Format::Pdf;
-    if (line.isSet("size") && !isDrawing)
-        throw wrongUsage(QStringLiteral("invalid option"), QStringLiteral("PLY and CSV have no --size"));
-    Page page;
-    setSize(page,
-            line.isSet("size") ? line.value("size")
-            : inPixels         ? QStringLiteral("1600x1600")
-                               : QStringLiteral("200x200"),
-            inPixels);
-    page.lineWidth = inPixels ? std::max(page.height / 500.0, 1.0) : 0.2;
+    double width;
+    double height;
+    bool isInPixels;
+};
+
+/// Returns the size that `text` describes; without a unit in pixels if `inPixels`, else in millimetres. Returns nothing
+/// for other text.
+std::optional<Size> sizeOf(const QString &text, bool inPixels)
+{
+    for (std::size_t i = 0; i + 1 < sidesOfPaper.size(); ++i) {
+        if (text.compare(QStringLiteral("a%1").arg(i), Qt::CaseInsensitive) == 0)
+            return Size{static_cast<double>(sidesOfPaper[i + 1]), static_cast<double>(sidesOfPaper[i]), false};
+    }
+    const bool hasUnit = text.endsWith(QLatin1String("mm"));
+    const bool isInPixels = inPixels && !hasUnit;
+    const QStringList parts = text.left(text.size() - (hasUnit ? 2 : 0)).split(QLatin1Char('x'));
+    const auto length = [isInPixels](const QString &part) -> std::optional<double> {
+        if (isInPixels)
+            return wholeNumber(part, 1, mostPixels);
+        const auto number = decimalNumber(part);
+        return number && *number >= 1.0 && *number <= mostMillimetres ? number : std::nullopt;
+    };
+    const auto width = length(parts.value(0));
+    const auto height = length(parts.value(1));
+    if (parts.size() != 2 || !width || !height)
+        return {};
+    return Size{*width, *height, isInPixels};
+}
+
+/// Stores the page and the margin of `line` in `options`, in pixels for an image.
+void setPage(Options &options, const CommandLine &line)
+{
+    const bool isImage = (options.format->features & Pixels) != 0;
+    const QString sizeText = line.isSet("size") ? line.value("size")
+                             : isImage          ? QStringLiteral("1600x1600")
+                                                : QStringLiteral("200x200");
+    const auto size = sizeOf(sizeText, isImage);
+    if (!size)
+        throw wrongValue("size", sizeText);
+    if (line.isSet("dpi") && size->isInPixels)
+        throw wrongUsage(QStringLiteral("invalid option"), QStringLiteral("--dpi: only for a --size in millimetres"));
+
+    Page &page = options.page;
+    double perUnit = 1.0; // lengths on the page per unit of the options
+    page.width = size->width;
+    page.height = size->height;
+    if (isImage && !size->isInPixels) {
+        const int dpi = line.number("dpi", 300);
+        perUnit = dpi / millimetresPerInch;
+        page.dotsPerMillimetre = perUnit;
+        page.width = std::max(std::round(size->width * perUnit), 1.0);
+        page.height = std::max(std::round(size->height * perUnit), 1.0);
+        if (page.width > mostPixels || page.height > mostPixels)
+            throw wrongUsage(QStringLiteral("invalid value of --size"),
+                             QStringLiteral("%1: expected at most %2 pixels, not %3x%4 at --dpi %5")
+                                 .arg(sizeText)
+                                 .arg(mostPixels)
+                                 .arg(page.width)
+                                 .arg(page.height)
+                                 .arg(dpi));
+    }
+
+    double lineWidth = size->isInPixels ? std::max(page.height / 500.0, 1.0) : 0.2;
     if (line.isSet("line-width")) {
         const auto width = decimalNumber(line.value("line-width"));
-        if (!width || *width <= 0.0 || *width > (inPixels ? mostPixels : mostMillimetres))
+        if (!width || *width <= 0.0 || *width > (size->isInPixels ? mostPixels : mostMillimetres))
             throw wrongValue("line-width", line.value("line-width"));
-        page.lineWidth = *width;
+        lineWidth = *width;
     }
-    page.background = line.color("background", inPixels ? QColor(Qt::black) : QColor());
-    if (line.isSet("turn"))
-        page.turn = turnOf(line.value("turn"));
-    return page;
+    page.lineWidth = std::max(lineWidth * perUnit, isImage ? thinnestLine : 0.0);
+    if (line.isSet("margin")) {
+        const auto margin = decimalNumber(line.value("margin"));
+        const double smallerSide = std::min(page.width, page.height);
+        if (!margin || *margin < 0.0 || 2.0 * *margin * perUnit + page.lineWidth >= smallerSide)
+            throw wrongValue("margin", line.value("margin"));
+        options.margin = *margin * perUnit;
+    }
+    page.background = line.color("background", isImage ? QColor(Qt::black) : QColor());
+    page.isSmooth = line.isSet("smooth");
+    const QString order = line.isSet("order") ? line.value("order") : QStringLiteral("curve");
+    page.isInDepthOrder = order == QLatin1String("depth");
+    if (!page.isInDepthOrder && order != QLatin1String("curve"))
+        throw wrongValue("order", order);
+    options.turn = line.angles("turn");
+    options.turnStep = line.angles("turn-step");
+    page.turn = options.turnOfFrame(0);
+}
+
+/// Returns the format of `line` for `file`.
+const Format *formatOf(const CommandLine &line, const QString &file)
+{
+    const Format *const format =
+        ::formatOf(line.isSet("format") ? line.value("format") : file.mid(extensionDot(file) + 1));
+    if (format != nullptr)
+        return format;
+    if (line.isSet("format"))
+        throw wrongValue("format", line.value("format"));
+    throw wrongUsage(QStringLiteral("unknown format"), file + QStringLiteral(": use --format or a name that ends in ") +
+                                                           formatNames(0, QStringLiteral(".")));
 }
 
 } // namespace
+
+Turn Options::turnOfFrame(int index) const
+{
+    const auto angle = [this, index](std::size_t axis) {
+        const double units = std::round(std::fmod(turn.at(axis) + index * turnStep.at(axis), 360.0) * 16.0);
+        return Camera::normalisedAngle(static_cast<int>(units)) % Camera::fullTurn;
+    };
+    return {angle(0), angle(1), angle(2)};
+}
 
 Options parseOptions(const QStringList &arguments)
 {
@@ -283,26 +402,25 @@ Options parseOptions(const QStringList &arguments)
     if (files.size() > 1)
         throw wrongUsage(QStringLiteral("unexpected argument"), files.at(1));
     options.file = files.first();
-
-    if (line.isSet("format")) {
-        const auto format = formatOf(line.value("format"));
-        if (!format)
-            throw wrongValue("format", line.value("format"));
-        options.format = *format;
-    } else {
-        const auto format = formatOf(options.file.mid(extensionDot(options.file) + 1));
-        if (!format)
-            throw wrongUsage(QStringLiteral("unknown format"), options.file);
-        options.format = *format;
+    if (options.file == QLatin1String("-")) {
+        if (!line.isSet("format"))
+            throw wrongUsage(QStringLiteral("missing option"),
+                             QStringLiteral("--format: needed for standard output, or use ./- for a file"));
+        if (line.isSet("frames"))
+            throw wrongUsage(QStringLiteral("invalid option"), QStringLiteral("--frames: not for standard output"));
     }
+    options.format = formatOf(line, options.file);
+    line.checkEffects(*options.format);
 
     options.row = rowSource(line);
-    options.firstFrame = line.number("frame", 0, lastFrame, 0);
-    options.frameCount = line.number("frames", 1, mostFrames, 0);
+    options.firstFrame = line.number("frame", 0);
+    options.frameCount = line.number("frames", 0);
+    options.frameStep = line.number("frame-step", 1);
     options.color = line.color("color", QColor());
     if (line.isSet("color") && !options.color.isValid())
         throw wrongValue("color", line.value("color"));
-    options.page = page(line, options.format);
+    if ((options.format->features & Picture) != 0)
+        setPage(options, line);
     return options;
 }
 

@@ -1,56 +1,34 @@
 #pragma once
 
+#include "export/Formats.h"
+#include "export/Page.h"
+#include "export/RowSource.h"
+
 #include <QColor>
 #include <QString>
 #include <QStringList>
-#include <QVector>
 
-enum class Format { Png, Svg, Pdf, Ply, Csv };
-
-/// Rotations of the curve in 1/16 degree, 0 to 5759; see Camera.h.
-struct Turn
-{
-    int x = 0;
-    int y = 0;
-    int z = 0;
-};
-
-/// The page that a curve is drawn on. Lengths are in pixels for PNG, in millimetres for SVG and PDF.
-struct Page
-{
-    double width = 0.0;
-    double height = 0.0;
-    double lineWidth = 0.0;
-    QColor background; ///< invalid for a transparent page
-    Turn turn;
-};
-
-/// The parameter row to export.
-struct RowSource
-{
-    enum Kind {
-        Preset,   ///< built-in preset `number`
-        Settings, ///< row `number` of the settings file
-        Text,     ///< row `number` of the text file `file`; "-" is standard input
-        Values,   ///< `values`
-    };
-    Kind kind = Preset;
-    int number = 1; ///< from 1
-    QString file;
-    QVector<float> values;
-};
+#include <array>
+#include <optional>
 
 /// A parsed command line.
 struct Options
 {
     QString message; ///< text to print instead of an export; empty unless --help or --version is given
-    QString file;
-    Format format = Format::Png;
+    QString file;    ///< "-" is standard output
+    const Format *format = nullptr;
     RowSource row;
     int firstFrame = 0;
     int frameCount = 0; ///< 0: one frame, to `file`; otherwise numbered files
+    int frameStep = 1;  ///< frames of the animation from file to file
     QColor color;       ///< invalid for the engine's colours
-    Page page;
+    Page page;          ///< of the first frame
+    std::optional<double> margin;
+    std::array<double, 3> turn = {}; ///< about x, y and z in degrees, less than a full turn
+    std::array<double, 3> turnStep = {};
+
+    /// Returns the turn of frame `index`, from 0.
+    Turn turnOfFrame(int index) const;
 };
 
 /// Parses `arguments`, which start with the program's name. Throws an ExportError with the status wrongUsage if they

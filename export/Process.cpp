@@ -3,6 +3,7 @@
 #include <QTextCodec>
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 
@@ -18,6 +19,15 @@ bool isPrintable(QChar character)
 {
     return character.isSurrogate() || character == QLatin1Char(' ') ||
            (character.isPrint() && !character.isSpace() && character != QChar::ReplacementCharacter);
+}
+
+/// Prints `message`, one byte per character, after the program's name on standard error.
+void printLine(const QString &message)
+{
+    QString text = QString::fromUtf8((QStringLiteral("pendrix3d-export: ") + message).toLatin1());
+    std::replace_if(
+        text.begin(), text.end(), [](QChar character) { return !isPrintable(character); }, QLatin1Char('?'));
+    (void)std::fputs((text + QLatin1Char('\n')).toUtf8().constData(), stderr);
 }
 
 } // namespace
@@ -47,16 +57,23 @@ QStringList argumentsOf(int argc, char *argv[])
 
 void printMessage(const QString &message)
 {
-    const QByteArray bytes = message.toLatin1();
-    if (std::fputs(bytes.constData(), stdout) < 0 || std::fflush(stdout) != 0)
-        throw ExportError{ExportError::failure, QStringLiteral("cannot write"), QStringLiteral("standard output")};
+    printContent(message.toLatin1());
+}
+
+void printContent(const QByteArray &content)
+{
+    const auto size = static_cast<std::size_t>(content.size());
+    if (std::fwrite(content.constData(), 1, size, stdout) != size || std::fflush(stdout) != 0)
+        throw ExportError{ExportError::failure, QStringLiteral("cannot write"),
+                          QStringLiteral("standard output: ") + qt_error_string(errno)};
+}
+
+void printWarning(const QString &text)
+{
+    printLine(QStringLiteral("warning: ") + text);
 }
 
 void printError(const ExportError &error)
 {
-    const QString line = QStringLiteral("pendrix3d-export: ") + error.problem + QStringLiteral(": ") + error.detail;
-    QString text = QString::fromUtf8(line.toLatin1());
-    std::replace_if(
-        text.begin(), text.end(), [](QChar character) { return !isPrintable(character); }, QLatin1Char('?'));
-    (void)std::fputs((text + QLatin1Char('\n')).toUtf8().constData(), stderr);
+    printLine(error.problem + QStringLiteral(": ") + error.detail);
 }

@@ -2,6 +2,7 @@
 
 #include "export/ExportError.h"
 
+#include <QByteArray>
 #include <QStringList>
 
 /// Makes the process independent of its environment. Call before opening any file. Afterwards:
@@ -16,6 +17,12 @@ QStringList argumentsOf(int argc, char *argv[]);
 
 /// Prints `message` on standard output. Throws an ExportError if that fails.
 void printMessage(const QString &message);
+
+/// Writes `content` to standard output. Throws an ExportError if that fails.
+void printContent(const QByteArray &content);
+
+/// Prints a warning on standard error, as printError prints errors.
+void printWarning(const QString &text);
 
 /// Prints `error` on standard error, in one line and without control characters.
 void printError(const ExportError &error);

@@ -57,7 +57,8 @@ Projection::Projection(const Page &page)
     : rotation(rotationAboutX(static_cast<double>(Camera::degreesAboutX(page.turn.x))) *
                rotationAboutY(static_cast<double>(Camera::degrees(page.turn.y))) *
                rotationAboutZ(static_cast<double>(Camera::degrees(page.turn.z)))),
-      centerX(page.width / 2.0), centerY(page.height / 2.0), scale(centerY / Camera::nearHalfHeight)
+      centerX(page.width / 2.0 + page.fit.dx), centerY(page.height / 2.0 + page.fit.dy),
+      scale(page.height / 2.0 / Camera::nearHalfHeight * page.fit.scale)
 {
 }
 
@@ -68,4 +69,16 @@ PagePoint Projection::operator()(double x, double y, double z) const
     };
     const double nearness = -1.0 / (along(2) + static_cast<double>(Camera::curveDistance));
     return {centerX + along(0) * nearness * scale, centerY - along(1) * nearness * scale, nearness};
+}
+
+QPointF Projection::velocity(double x, double y, double z, double dx, double dy, double dz) const
+{
+    const PagePoint point = (*this)(x, y, z);
+    const auto along = [this, dx, dy, dz](int row) {
+        return rotation(row, 0) * dx + rotation(row, 1) * dy + rotation(row, 2) * dz;
+    };
+    // The derivative of the nearness n is along(2) n^2, so a projected coordinate c n has (c' + c n along(2)) n.
+    const double approach = along(2) * point.nearness;
+    return {along(0) * point.nearness * scale + (point.x - centerX) * approach,
+            -along(1) * point.nearness * scale + (point.y - centerY) * approach};
 }

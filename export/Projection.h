@@ -1,8 +1,9 @@
 #pragma once
 
-#include "export/Options.h"
+#include "export/Page.h"
 
 #include <QGenericMatrix>
+#include <QPointF>
 
 /// A point on a page, in the page's unit from its upper left corner, and its nearness: the reciprocal of its distance
 /// from the eye along the viewing direction, in 1 per scene unit. Nearness is linear along projected lines.
@@ -24,8 +25,11 @@ struct Projection
     /// the origin, and is thus in front of the eye.
     PagePoint operator()(double x, double y, double z) const;
 
+    /// Returns the velocity on the page of the point `x`, `y`, `z` of the scene with the velocity `dx`, `dy`, `dz`.
+    QPointF velocity(double x, double y, double z, double dx, double dy, double dz) const;
+
     Rotation rotation;
-    double centerX; ///< of the page
+    double centerX; ///< of the view on the page
     double centerY;
     double scale; ///< page units per scene unit at depth 1
 };

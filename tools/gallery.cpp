@@ -12,7 +12,7 @@
 
 #include "app/MainWindow.h"
 #include "engine/Pendrix3D.h"
-#include "export/Writers.h"
+#include "export/LineImage.h"
 #include "ui_MainWindow.h"
 
 #include <QApplication>
@@ -57,7 +57,7 @@ QImage sheet(const QVector<Figure> &figures, int columns)
     for (int i = 0; i < figures.size(); ++i) {
         const QPoint corner(gap + i % columns * (cell + gap), gap + i / columns * (cell + caption + gap));
         const Page page = {cell, cell, 1.0, Qt::black, figures.at(i).angles};
-        painter.drawImage(corner, imageOf(curveOf(figures.at(i).row), page));
+        painter.drawImage(corner, imageOf(drawingOf(curveOf(figures.at(i).row), page), page));
         painter.drawText(QRect(corner + QPoint(0, cell), QSize(cell, caption)), Qt::AlignCenter, figures.at(i).caption);
     }
     return picture;
@@ -186,7 +186,8 @@ int main(int argc, char *argv[])
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, scratch.path());
     const QImage window = windowPicture();
 
-    const QImage preset10 = imageOf(curveOf(pdx3.presets.at(9)), {480, 480, 1.0, Qt::black, turn});
+    const Page page = {480, 480, 1.0, Qt::black, turn};
+    const QImage preset10 = imageOf(drawingOf(curveOf(pdx3.presets.at(9)), page), page);
     const QDir folder(arguments.at(1));
     const bool saved =
         window.save(folder.filePath(QStringLiteral("window.png"))) &&

@@ -107,6 +107,7 @@ private slots:
         QTest::newRow("SVG") << "a.svg" << QByteArray("<?xml");
         QTest::newRow("PDF") << "a.pdf" << QByteArray("%PDF-");
         QTest::newRow("PLY") << "a.ply" << QByteArray("ply\n");
+        QTest::newRow("GLB") << "a.glb" << QByteArray("glTF\x02");
         QTest::newRow("CSV") << "a.csv" << QByteArray("t,x,y,z,red,green,blue\n0.0199999996,");
     }
 
@@ -117,6 +118,27 @@ private slots:
         QVERIFY(run({name}).isSilentSuccess());
         QVERIFY(contentOf(path(name)).startsWith(start));
         QCOMPARE(files(), QStringList(name)); // nothing else is left
+
+        // Standard output has the same content, but for the time in a PDF file.
+        const Result result = run({"--format", name.mid(2), "-"});
+        QVERIFY(result.status == 0 && result.errors.isEmpty());
+        QCOMPARE(result.out.size(), contentOf(path(name)).size());
+        QVERIFY(name == "a.pdf" || result.out == contentOf(path(name)));
+        QCOMPARE(files(), QStringList(name));
+        QVERIFY(run({"--format", name.mid(2), "./-"}).isSilentSuccess());
+        QVERIFY(contentOf(path("-")).startsWith(start));
+    }
+
+    void imageHasResolutionOnlyInMillimetres()
+    {
+        QVERIFY(run({"--size=30x20", "a.png"}).isSilentSuccess());
+        QVERIFY(!contentOf(path("a.png")).contains("pHYs"));
+        QVERIFY(run({"--size=30x20mm", "--dpi=150", "b.png"}).isSilentSuccess());
+        const QImage image(path("b.png"));
+        QCOMPARE(image.size(), QSize(177, 118));
+        QCOMPARE(image.dotsPerMeterX(), 5906); // 150 / 0.0254
+        QCOMPARE(image.dotsPerMeterY(), 5906);
+        QVERIFY(contentOf(path("b.png")).contains("pHYs"));
     }
 
     void imageHasRequestedSizeAndBackground()
@@ -141,6 +163,119 @@ private slots:
         for (const char *name : {"values.csv", "settings.csv", "stdin.csv", "rows.csv"})
             QCOMPARE(contentOf(path(name)), expected);
         QVERIFY(!QFile::exists(path("home")));
+    }
+
+    void readsStandardInputToItsEnd()
+    {
+        // Pauses of the pipe between rows, and within a value.
+        for (const char *input : {"printf '1\\t2\\t3\\t0\\t0\\t1\\n'; sleep .2; printf '2\\t3\\t4\\t.25\\t0\\t2\\n'",
+                                  "printf '1\\t2\\t3\\t0\\t0\\t1\\n2\\t3\\t4\\t.2'; sleep .2; printf '5\\t0\\t2\\n'"}) {
+            const Result result = runShell(QString("(%1) | \"$0\" --rows - --row 2 a.csv").arg(input));
+            QVERIFY2(result.isSilentSuccess(), result.errors);
+            QVERIFY(run({"--preset=2", "b.csv"}).isSilentSuccess());
+            QCOMPARE(contentOf(path("a.csv")), contentOf(path("b.csv")));
+        }
+        // A pipe that another program, dd, has made non-blocking.
+        const Result result = runShell("(sleep .3; printf '2\\t3\\t4\\t.25\\t0\\t2\\n') | "
+                                       "{ dd iflag=nonblock count=0 status=none; \"$0\" --rows - c.csv; }");
+        QVERIFY2(result.isSilentSuccess(), result.errors);
+        QCOMPARE(contentOf(path("c.csv")), contentOf(path("b.csv")));
+    }
+
+    void readsRowsBehindNulBytes()
+    {
+        save(path("rows.txt"), QByteArray("a\0b\n\0\n1\t2\t3\t0\t0\t1\n2\t3\t4\t0.25\t0\t2\n", 38));
+        QVERIFY(run({"--rows=rows.txt", "--row=2", "a.csv"}).isSilentSuccess());
+        QVERIFY(run({"--preset=2", "b.csv"}).isSilentSuccess());
+        QCOMPARE(contentOf(path("a.csv")), contentOf(path("b.csv")));
+        // In a field, a NUL byte is an invalid character.
+        save(path("rows.txt"), QByteArray("1\t2\0\t3\t0\t0\t1\n", 14));
+        const Result result = run({"--rows=rows.txt", "c.csv"});
+        QVERIFY2(result.isFailure(1) && result.errors.contains("row 1 has a field"), result.errors);
+    }
+
+    void warnsIfCurveLeavesPage()
+    {
+        const QStringList beyond = {"--size=20x100", "--turn=90,0,0"};
+        for (const char *format : {"png", "svg", "pdf"}) {
+            const QString name = QString("a.") + format;
+            for (const QStringList &frames : {QStringList(), QStringList("--frames=3")}) {
+                const Result result = run(beyond + frames + QStringList(name));
+                QCOMPARE(result.status, 0);
+                QVERIFY(result.out.isEmpty() && result.errors.startsWith("pendrix3d-export: warning: "));
+                QVERIFY(result.errors.contains("--margin"));
+                QCOMPARE(result.errors.count('\n'), 1);
+                QVERIFY(run(beyond + frames + QStringList({"--margin=0", name})).isSilentSuccess());
+            }
+        }
+    }
+
+    void allFramesHaveSameScaleAndCentre()
+    {
+        // The box of all frames together fills the page, and the boxes of single frames do not.
+        const QStringList options = {"--frames=4",  "--frame-step=50", "--turn-step=30,10,0", "--size=200x200",
+                                     "--margin=20", "--preset=9",      "--color=white"};
+        QVERIFY(run(options + QStringList("a.png")).isSilentSuccess());
+        QRect all;
+        int touching = 0;
+        for (int frame = 1; frame <= 4; ++frame) {
+            const QImage image(path(QString("a-%1.png").arg(frame, 5, 10, QLatin1Char('0'))));
+            QRect box;
+            for (int y = 0; y < 200; ++y) {
+                for (int x = 0; x < 200; ++x) {
+                    if (image.pixel(x, y) != 0xFF000000U)
+                        box |= QRect(x, y, 1, 1);
+                }
+            }
+            all |= box;
+            touching += box.width() >= 159 || box.height() >= 159 ? 1 : 0;
+        }
+        QVERIFY(touching < 4);
+        QVERIFY(std::max(all.width(), all.height()) >= 159 && std::max(all.width(), all.height()) <= 161);
+        QVERIFY(std::abs(all.left() - (199 - all.right())) <= 2 && std::abs(all.top() - (199 - all.bottom())) <= 2);
+    }
+
+    void stepsSelectFrames()
+    {
+        // Every file equals a single export of its frame and turn.
+        QVERIFY(run({"--frames=3", "--frame=5", "--frame-step=70", "--turn=10,350,0", "--turn-step=1.5,20,-4", "a.svg"})
+                    .isSilentSuccess());
+        QVERIFY(run({"--frame=145", "--turn=13,30,-8", "b.svg"}).isSilentSuccess());
+        QCOMPARE(contentOf(path("a-00003.svg")), contentOf(path("b.svg")));
+        // A step of 0 holds the figure.
+        QVERIFY(run({"--frames=3", "--frame-step=0", "c.csv"}).isSilentSuccess());
+        QVERIFY(run({"d.csv"}).isSilentSuccess());
+        QCOMPARE(contentOf(path("c-00003.csv")), contentOf(path("d.csv")));
+    }
+
+    void framesAreIndependentOfProcessors()
+    {
+        const QStringList options = {"--frames=6", "--frame-step=9", "--size=150x150", "--turn-step=0,20,0"};
+        for (const char *format : {"png", "svg", "glb"}) {
+            const QStringList shape =
+                qstrcmp(format, "glb") == 0 ? QStringList({"--frames=6", "--frame-step=9"}) : options;
+            QVERIFY(run(shape + QStringList(QString("all.") + format)).isSilentSuccess());
+            QVERIFY(runShell("exec taskset -c 0 \"$0\" \"$@\"", shape + QStringList(QString("one.") + format))
+                        .isSilentSuccess());
+            for (int frame = 1; frame <= 6; ++frame) {
+                const QString end = QString("-0000%1.%2").arg(frame).arg(format);
+                QCOMPARE(contentOf(path("all" + end)), contentOf(path("one" + end)));
+            }
+        }
+    }
+
+    void smoothExportsNeedSlowOscillators()
+    {
+        for (const char *format : {"png", "svg", "pdf"}) {
+            const QString name = QString("a.") + format;
+            QVERIFY(run({"--smooth", "--values=78.5,-78.5,78.5,0,0,0", name}).isSilentSuccess());
+            QVERIFY(QFile::remove(path(name)));
+            for (const char *values : {"78.6,1,1,0,0,0", "1,-78.6,1,0,0,0", "1,1,1e30,0,0,0"}) {
+                const Result result = run({"--smooth", "--values", values, name});
+                QVERIFY2(result.isFailure(1) && result.errors.contains("straight lines"), result.errors);
+                QVERIFY(!QFile::exists(path(name)));
+            }
+        }
     }
 
     void writesNumberedFrames()
@@ -250,6 +385,8 @@ private slots:
         QTest::addColumn<int>("status");
         QTest::newRow("usage") << QStringList({"--preset=0", "a.csv"}) << 2;
         QTest::newRow("unknown option with control characters") << QStringList({"--x\n\033[2J\u009B", "a.csv"}) << 2;
+        QTest::newRow("too fast for smooth curves")
+            << QStringList({"--values=79,1,1,0,0,0", "--smooth", "--format=svg", "a.csv"}) << 1;
         QTest::newRow("no finite curve") << QStringList({"--values=1,3e38,1,0,0,0", "a.csv"}) << 1;
         QTest::newRow("no such rows") << QStringList({"--rows=none.txt", "a.csv"}) << 1;
         QTest::newRow("rows that are a folder") << QStringList({"--rows=.", "a.csv"}) << 1;
@@ -288,7 +425,7 @@ private slots:
     void fullDisksLeaveNoPartialFile_data()
     {
         QTest::addColumn<QString>("name");
-        for (const char *name : {"a.png", "a.svg", "a.pdf", "a.ply", "a.csv"})
+        for (const char *name : {"a.png", "a.svg", "a.pdf", "a.ply", "a.csv", "a.glb"})
             QTest::newRow(name) << name;
     }
 
@@ -298,17 +435,32 @@ private slots:
         save(path(name), "kept");
         for (const int blocks : {0, 1, 64}) { // of 512 bytes
             const Result result = runShell(QString("ulimit -f %1; \"$0\" %2").arg(blocks).arg(name));
-            QVERIFY2(result.isFailure(1), result.errors);
+            QVERIFY2(result.isFailure(1) && result.errors.endsWith(": File too large\n"), result.errors);
             QCOMPARE(files(), QStringList(name));
             QCOMPARE(contentOf(path(name)), QByteArray("kept"));
         }
     }
 
+    void failingStandardOutputIsReported()
+    {
+        for (const char *format : {"png", "svg", "pdf", "ply", "csv", "glb"}) {
+            const Result full = runShell(QString("\"$0\" --format %1 - > /dev/full").arg(format));
+            QCOMPARE(full.status, 1);
+            QCOMPARE(full.errors,
+                     QByteArray("pendrix3d-export: cannot write: standard output: No space left on device\n"));
+            QVERIFY(runShell(QString("\"$0\" --format %1 --values=1,3e38,1,0,0,0 -").arg(format)).isFailure(1));
+        }
+    }
+
     void finishedFramesStayIfLaterOneFails()
     {
+        // The frames before the failing one, and no more after it than other processors have begun.
         QVERIFY(QDir(folder.path()).mkdir("a-00003.csv"));
-        QVERIFY(run({"--frames=5", "a.csv"}).isFailure(1));
-        QCOMPARE(files(), QStringList({"a-00001.csv", "a-00002.csv"}));
+        QVERIFY(run({"--frames=90", "a.csv"}).isFailure(1));
+        const QStringList left = files();
+        QVERIFY(left.mid(0, 2) == QStringList({"a-00001.csv", "a-00002.csv"}) && left.size() <= 45);
+        for (const QString &name : left)
+            QCOMPARE(contentOf(path(name)).count('\n'), 16667);
     }
 
     void closedStreamsAreNotReused()

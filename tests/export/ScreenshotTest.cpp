@@ -3,7 +3,6 @@
 #include "engine/Pendrix3D.h"
 #include "export/LineImage.h"
 #include "export/Projection.h"
-#include "export/Writers.h"
 #include "tests/export/ImageComparison.h"
 #include "tests/support/SampleSize.h"
 #include "view/PendrixWidget.h"
@@ -47,13 +46,10 @@ Page pageOf(const Turn &turn)
 /// Returns the image of `curve` in the projection `projection`.
 QImage drawn(const Curve &curve, const Projection &projection)
 {
-    QVector<ImageVertex> vertices;
-    for (int i = 0; i < curve.size(); ++i) {
-        const CurveVertex &v = curve.at(i);
-        const PagePoint point = projection(double(v.x), double(v.y), double(v.z));
-        vertices.append({point.x, point.y, point.nearness, vertexColor(curve, i)});
-    }
-    return imageOfLine(vertices, pictureWidth, pictureHeight, 1.0, Qt::black);
+    Drawing drawing{{}, {}, curve.colors};
+    for (const CurvePoint &p : curve.points)
+        drawing.points.append(projection(double(p.x), double(p.y), double(p.z)));
+    return imageOf(drawing, pageOf({}));
 }
 
 } // namespace
@@ -96,7 +92,7 @@ private slots:
                 advance(row, preset * 40);
                 const Curve curve = curveOf(row);
                 const QImage screenshot = view.picture(turn);
-                const ImageComparison result = compareImages(screenshot, imageOf(curve, pageOf(turn)));
+                const ImageComparison result = compareImages(screenshot, drawn(curve, Projection(pageOf(turn))));
                 QVERIFY2(result.isAlike(),
                          qPrintable(QString("preset %1, turn %2,%3,%4: correlation %5, %6 of the pixels differ")
                                         .arg(preset + 1)

@@ -1,4 +1,4 @@
-// CSV and PLY compared with the engine, bit for bit.
+// CSV, PLY and GLB compared with the engine, bit for bit.
 
 #include "engine/Pendrix3D.h"
 #include "export/Writers.h"
@@ -6,8 +6,14 @@
 #include "tests/support/RandomRows.h"
 #include "tests/support/SampleSize.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QtEndian>
 #include <QtTest>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <random>
@@ -88,17 +94,77 @@ QByteArray plyDifference(const QByteArray &ply)
     if (!reader.skip("ply\nformat ascii 1.0\nelement vertex 16666\n"
                      "property float x\nproperty float y\nproperty float z\n"
                      "property uchar red\nproperty uchar green\nproperty uchar blue\n"
-                     "element edge 16665\nproperty int vertex1\nproperty int vertex2\nend_header\n"))
+                     "element edge 16665\nproperty int vertex1\nproperty int vertex2\n"
+                     "property uchar red\nproperty uchar green\nproperty uchar blue\nend_header\n"))
         return "header";
     for (int i = 0; i < 16666; ++i) {
         if (!reader.skipVertex(i, " "))
             return "PLY vertex " + QByteArray::number(i);
     }
     for (int i = 0; i < 16665; ++i) {
-        if (!reader.skipInt(i) || !reader.skip(" ") || !reader.skipInt(i + 1) || !reader.skip("\n"))
+        const QColor &color = pdx3.colors.at(i);
+        if (!reader.skipInt(i) || !reader.skip(" ") || !reader.skipInt(i + 1) || !reader.skip(" ") ||
+            !reader.skipInt(color.red()) || !reader.skip(" ") || !reader.skipInt(color.green()) || !reader.skip(" ") ||
+            !reader.skipInt(color.blue()) || !reader.skip("\n"))
             return "PLY edge " + QByteArray::number(i);
     }
     return reader.atEnd() ? "" : "end of the PLY";
+}
+
+/// Returns the number that glTF stores at `offset` of `bytes`.
+template <typename Number>
+Number numberAt(const QByteArray &bytes, int offset)
+{
+    return qFromLittleEndian<Number>(bytes.constData() + offset);
+}
+
+/// Returns the first difference of `glb` from the engine's curve, empty if there is none.
+QByteArray glbDifference(const QByteArray &glb)
+{
+    constexpr int count = 16666;
+    const int jsonSize = numberAt<int>(glb, 12);
+    if (glb.left(4) != "glTF" || numberAt<int>(glb, 4) != 2 || numberAt<int>(glb, 8) != glb.size() ||
+        glb.mid(16, 4) != "JSON" || jsonSize % 4 != 0)
+        return "header";
+    const int binary = 20 + jsonSize;
+    if (numberAt<int>(glb, binary) != 24 * count || glb.mid(binary + 4, 4) != QByteArray("BIN\0", 4) ||
+        glb.size() != binary + 8 + 24 * count)
+        return "binary chunk";
+    const QJsonObject file = QJsonDocument::fromJson(glb.mid(20, jsonSize)).object();
+    const QJsonArray accessors = file.value("accessors").toArray();
+    const QJsonObject primitive =
+        file.value("meshes").toArray().at(0).toObject().value("primitives").toArray().at(0).toObject();
+    if (primitive.value("mode").toInt() != 3 ||
+        primitive.value("attributes").toObject().value("POSITION").toInt() != 0 ||
+        primitive.value("attributes").toObject().value("COLOR_0").toInt() != 1)
+        return "primitive";
+    float lowest[3] = {2.0F, 2.0F, 2.0F};
+    float highest[3] = {-2.0F, -2.0F, -2.0F};
+    for (int i = 0; i < count; ++i) {
+        const CurvePoint &point = pdx3.points.at(i);
+        const QColor &color = pdx3.colors.at(i > 0 ? i - 1 : 0);
+        const float position[3] = {point.x, point.y, point.z};
+        const int channels[3] = {color.red(), color.green(), color.blue()};
+        for (int axis = 0; axis < 3; ++axis) {
+            const int offset = binary + 8 + 12 * i + 4 * axis;
+            lowest[axis] = std::min(lowest[axis], position[axis]);
+            highest[axis] = std::max(highest[axis], position[axis]);
+            // The inverse of the conversion: a linear intensity as sRGB.
+            const double intensity = double(numberAt<float>(glb, offset + 12 * count));
+            const double channel =
+                intensity <= 0.0031308 ? 12.92 * intensity : 1.055 * std::pow(intensity, 1.0 / 2.4) - 0.055;
+            if (bitsOf(numberAt<float>(glb, offset)) != bitsOf(position[axis]) ||
+                std::abs(channel * 255.0 - channels[axis]) > 0.01)
+                return "GLB vertex " + QByteArray::number(i);
+        }
+    }
+    for (int axis = 0; axis < 3; ++axis) {
+        const QJsonObject positions = accessors.at(0).toObject();
+        if (positions.value("min").toArray().at(axis).toDouble() != double(lowest[axis]) ||
+            positions.value("max").toArray().at(axis).toDouble() != double(highest[axis]))
+            return "bounds";
+    }
+    return "";
 }
 
 /// Advances the engine by `frames` frames of `row`. To save time, only the last curve has more than one point and
@@ -135,6 +201,8 @@ class TableWritersTest : public QObject
         QVERIFY2(inCsv.isEmpty(), inCsv);
         const QByteArray inPly = plyDifference(plyOf(curve));
         QVERIFY2(inPly.isEmpty(), inPly);
+        const QByteArray inGlb = glbDifference(glbOf(curve));
+        QVERIFY2(inGlb.isEmpty(), inGlb);
     }
 
 private slots:

@@ -1,6 +1,7 @@
 // SVG and PDF: the projection, the paths and, if rsvg-convert and pdftoppm are installed, the rendered pictures.
 
 #include "engine/Pendrix3D.h"
+#include "export/LineImage.h"
 #include "export/Writers.h"
 #include "tests/export/ImageComparison.h"
 #include "tests/support/SampleSize.h"
@@ -11,6 +12,7 @@
 #include <QXmlStreamReader>
 #include <QtTest>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -36,23 +38,68 @@ Vector rotated(const Vector &v, const Vector &axis, double degrees)
     return result;
 }
 
-/// Returns the position on the page at which the application's view shows `point`.
-QPointF pagePosition(const CurvePoint &point, const Page &page)
+/// Returns the point turned as in the application's view. The eye is at z = 5.
+Vector turned(Vector v, const Page &page)
 {
-    Vector v = {double(point.x), double(point.y), double(point.z)};
     v = rotated(v, {0.0, 0.0, 1.0}, page.turn.z / 16.0);
     v = rotated(v, {0.0, 1.0, 0.0}, page.turn.y / 16.0);
-    v = rotated(v, {1.0, 0.0, 0.0}, 180.0 - page.turn.x / 16.0);
+    return rotated(v, {1.0, 0.0, 0.0}, 180.0 - page.turn.x / 16.0);
+}
+
+/// Returns the position on the page at which the application's view shows `point`.
+QPointF pagePosition(const Vector &point, const Page &page)
+{
+    const Vector v = turned(point, page);
     const double depth = 5.0 - v[2];
     const double halfHeight = std::tan(pi / 8.0) * depth; // of the view, in scene units
     return {page.width / 2.0 + v[0] / halfHeight * page.height / 2.0, page.height / 2.0 * (1.0 - v[1] / halfHeight)};
+}
+
+Vector vectorOf(const CurvePoint &point)
+{
+    return {double(point.x), double(point.y), double(point.z)};
 }
 
 struct Path
 {
     QString color;
     QVector<QPointF> points;
+    QVector<QPointF> controls; ///< two for each segment that is a Bézier curve
 };
+
+/// Returns the path of the path data `d`, which starts at `origin`: relative commands m and c, and numbers with at most
+/// three decimals. Returns a path without points if there is anything else.
+Path parsedPath(const QString &d, const QPointF &origin)
+{
+    static const QRegularExpression token(QStringLiteral("\\G ?([mc]|-?(\\d+(\\.\\d{1,3})?|\\.\\d{1,3}))"));
+    Path path;
+    QChar command;
+    QPointF at = origin;
+    QVector<double> numbers;
+    int end = 0;
+    for (auto i = token.globalMatch(d); i.hasNext();) {
+        const QRegularExpressionMatch match = i.next();
+        end = int(match.capturedEnd());
+        if (match.captured(1).at(0).isLetter()) {
+            command = match.captured(1).at(0);
+            continue;
+        }
+        numbers.append(match.captured(1).toDouble());
+        if (numbers.size() < (command == 'c' ? 6 : 2))
+            continue;
+        const QPointF start = at;
+        for (int n = 0; n < numbers.size(); n += 2) {
+            const QPointF point = start + QPointF(numbers.at(n), numbers.at(n + 1));
+            if (n + 2 < numbers.size())
+                path.controls.append(point);
+            else
+                at = point;
+        }
+        path.points.append(at);
+        numbers.clear();
+    }
+    return end == d.size() && numbers.isEmpty() ? path : Path();
+}
 
 struct Svg
 {
@@ -63,10 +110,9 @@ struct Svg
 
 Svg parsed(const QByteArray &text)
 {
-    // Four decimals, M before the first point and L before the others.
-    static const QRegularExpression data(
-        QStringLiteral("^M-?\\d+\\.\\d{4} -?\\d+\\.\\d{4}(L-?\\d+\\.\\d{4} -?\\d+\\.\\d{4})+$"));
+    static const QRegularExpression translation(QStringLiteral("^translate\\((\\S+) (\\S+)\\)$"));
     Svg svg;
+    QPointF origin;
     QXmlStreamReader reader(text);
     while (!reader.atEnd()) {
         if (reader.readNext() != QXmlStreamReader::StartElement)
@@ -74,14 +120,15 @@ Svg parsed(const QByteArray &text)
         const QXmlStreamAttributes attributes = reader.attributes();
         if (reader.name() == QLatin1String("path")) {
             const QString d = attributes.value("d").toString();
-            if (!data.match(d).hasMatch())
+            Path path = parsedPath(d, origin);
+            if (path.points.size() < 2)
                 svg.error = "path data: " + d.left(100);
-            Path path{attributes.value("stroke").toString(), {}};
-            const QStringList points = d.mid(1).split('L');
-            for (const QString &point : points)
-                path.points.append({point.section(' ', 0, 0).toDouble(), point.section(' ', 1).toDouble()});
+            path.color = attributes.value("stroke").toString();
             svg.paths.append(path);
         } else {
+            const auto match = translation.match(attributes.value("transform").toString());
+            if (match.hasMatch())
+                origin = {match.captured(1).toDouble(), match.captured(2).toDouble()};
             QString element = reader.name().toString();
             for (const QXmlStreamAttribute &attribute : attributes)
                 element += ' ' + attribute.name().toString() + '=' + attribute.value().toString();
@@ -91,6 +138,16 @@ Svg parsed(const QByteArray &text)
     if (reader.hasError())
         svg.error = reader.errorString();
     return svg;
+}
+
+QByteArray svgText(const Curve &curve, const Page &page)
+{
+    return svgOf(drawingOf(curve, page), page);
+}
+
+QByteArray pdfText(const Curve &curve, const Page &page)
+{
+    return pdfOf(drawingOf(curve, page), page);
 }
 
 bool run(const QString &program, const QStringList &arguments)
@@ -131,7 +188,7 @@ private slots:
         QFETCH(Page, page);
         static int preset = 0;
         const Curve curve = curveOf(pdx3.presets.at(preset++ % 12));
-        const Svg svg = parsed(svgOf(curve, page));
+        const Svg svg = parsed(svgText(curve, page));
         QCOMPARE(svg.error, QString());
 
         // Every segment has the colour of its first point; neighbours of one colour share a path.
@@ -139,7 +196,7 @@ private slots:
         for (const Path &path : svg.paths) {
             QVERIFY(i == 0 || path.color != pdx3.colors.at(i - 1).name());
             for (int p = 0; p < path.points.size(); ++p) {
-                const QPointF difference = path.points.at(p) - pagePosition(pdx3.points.at(i + p), page);
+                const QPointF difference = path.points.at(p) - pagePosition(vectorOf(pdx3.points.at(i + p)), page);
                 QVERIFY(std::abs(difference.x()) <= 0.001 && std::abs(difference.y()) <= 0.001);
                 QVERIFY(p + 1 == path.points.size() || path.color == pdx3.colors.at(i + p).name());
             }
@@ -151,9 +208,8 @@ private slots:
     void oneColorMakesOnePath()
     {
         Curve curve = curveOf(pdx3.presets.at(1));
-        for (CurveVertex &v : curve)
-            v.color = qRgb(1, 2, 3);
-        const Svg svg = parsed(svgOf(curve, Page{200, 200, 0.2, QColor(), {}}));
+        curve.colors.fill(qRgb(1, 2, 3));
+        const Svg svg = parsed(svgText(curve, Page{200, 200, 0.2, QColor(), {}}));
         QCOMPARE(svg.paths.size(), 1);
         QCOMPARE(svg.paths.first().color, QString("#010203"));
         QCOMPARE(svg.paths.first().points.size(), 16666);
@@ -162,19 +218,124 @@ private slots:
     void svgDescribesPage()
     {
         const Curve curve = curveOf(pdx3.presets.at(1));
-        const Svg svg = parsed(svgOf(curve, Page{297, 210.5, 0.35, QColor("navy"), {}}));
-        const QString group = "g clip-path=url(#page) fill=none stroke-width=0.35 stroke-linecap=round "
+        const QString group = "g transform=translate(148.5 105.25) fill=none stroke-width=0.35 stroke-linecap=round "
                               "stroke-linejoin=round";
-        QCOMPARE(svg.elements, QStringList({"svg width=297mm height=210.5mm viewBox=0 0 297 210.5",
-                                            "rect width=297 height=210.5 fill=#000080", "clipPath id=page",
-                                            "rect width=297 height=210.5", group}));
-        const QByteArray transparent = svgOf(curve, Page{297, 210.5, 0.35, QColor(), {}});
-        QCOMPARE(parsed(transparent).elements.size(), 4);
+        const QString root = "svg width=297mm height=210.5mm viewBox=0 0 297 210.5";
+        QCOMPARE(parsed(svgText(curve, Page{297, 210.5, 0.35, QColor(), {}})).elements, QStringList({root, group}));
+        QCOMPARE(parsed(svgText(curve, Page{297, 210.5, 0.35, QColor("navy"), {}})).elements,
+                 QStringList({root, "rect width=297 height=210.5 fill=#000080", group}));
+    }
+
+    void svgHasClipPathOnlyIfLineLeavesPage()
+    {
+        const Curve curve = curveOf({0.0F, 1.0F, 0.0F, 0.0F, 0.0F, 0.0F}); // a horizontal line through the centre
+        Page page{100, 100, 0.2, QColor(), {}};
+        const QRectF box = drawingOf(curve, page).box();
+        page.lineWidth = 2.0 * std::min(box.left(), 100.0 - box.right()) - 0.01; // to the edge of the page
+        QVERIFY(!svgText(curve, page).contains("clip"));
+        page.lineWidth += 0.02;
+        const QStringList elements = parsed(svgText(curve, page)).elements;
+        QCOMPARE(elements.mid(1, 4), QStringList({"defs", "clipPath id=page-100x100", "rect width=100 height=100",
+                                                  "g clip-path=url(#page-100x100)"}));
+    }
+
+    void defaultSvgIsSmall()
+    {
+        const auto size = svgText(curveOf(pdx3.presets.at(0)), Page{200, 200, 0.2, QColor(), {}}).size();
+        QVERIFY2(size <= 800000, qPrintable(QString::number(size)));
+    }
+
+    void depthOrderStartsWithFarthestSegment()
+    {
+        for (const bool isSmooth : {false, true}) {
+            Curve curve = curveOf(pdx3.presets.at(2));
+            for (int i = 0; i < curve.colors.size(); ++i) // the colour is the index
+                curve.colors[i] = 0xFF000000U | QRgb(i);
+            Page page{200, 200, 0.2, QColor(), {480, 400, 0}};
+            page.isInDepthOrder = true;
+            page.isSmooth = isSmooth;
+            const Svg svg = parsed(svgText(curve, page));
+            QCOMPARE(svg.error, QString());
+            QVector<bool> isFound(16665, false);
+            double last = 0.0;
+            for (const Path &path : svg.paths) {
+                const int i = path.color.mid(1).toInt(nullptr, 16);
+                QCOMPARE(path.points.size(), 2);
+                QVERIFY(!isFound.at(i));
+                isFound[i] = true;
+                const auto nearness = [&](int n) {
+                    return 1.0 / (5.0 - turned(vectorOf(curve.points.at(n)), page)[2]);
+                };
+                const double mean = (nearness(i) + nearness(i + 1)) / 2.0;
+                QVERIFY(mean >= last - 1e-7);
+                last = mean;
+                const QPointF difference = path.points.at(0) - pagePosition(vectorOf(curve.points.at(i)), page);
+                QVERIFY(std::abs(difference.x()) <= 0.001 && std::abs(difference.y()) <= 0.001);
+            }
+            QVERIFY(!isFound.contains(false));
+        }
+    }
+
+    void smoothSegmentsFollowExactCurve_data()
+    {
+        QTest::addColumn<QVector<float>>("row");
+        QTest::addColumn<double>("limit"); // in millimetres
+        QTest::newRow("preset 7") << pdx3.presets.at(6) << 0.05;
+        QTest::newRow("30, 30, 30") << QVector<float>({30.0F, 30.0F, 30.0F, 0.25F, 0.1F, 0.0F}) << 0.05;
+        // The perspective adds oscillations of twice the frequency.
+        QTest::newRow("-30, 29, 30") << QVector<float>({-30.0F, 29.0F, 30.0F, 0.7F, -0.4F, 0.0F}) << 0.08;
+        for (int i = 1; i <= sampleSize(3, 100); ++i) {
+            const auto value = [i](int n) { return float(std::fmod(i * 7.31 + n * 23.7 * i, 52.0) - 26.0); };
+            QTest::addRow("row %d", i) << QVector<float>({value(1), value(2), value(3), value(4), value(5), 0.0F})
+                                       << 0.05;
+        }
+    }
+
+    void smoothSegmentsFollowExactCurve()
+    {
+        QFETCH(QVector<float>, row);
+        QFETCH(double, limit);
+        const Curve curve = curveOf(row);
+        Page page{200, 200, 0.2, QColor(), {480, 400, 160}};
+        page.isSmooth = true;
+        const Svg svg = parsed(svgText(curve, page));
+        QCOMPARE(svg.error, QString());
+        const auto exact = [&row](double t, double a) {
+            const auto sine = [&](int frequency, double phase) {
+                return std::sin(double(float(phase * double(6.2831855F))) + double(row.at(frequency)) * t) * a;
+            };
+            return Vector{sine(1, 0.0), sine(0, double(row.at(3))), sine(2, double(row.at(4)))};
+        };
+        const QVector<float> times = timesOf(16666);
+        const QVector<float> amplitudes = amplitudesOf(16666);
+        double farthest = 0.0;
+        int i = 0;
+        for (const Path &path : svg.paths) {
+            QCOMPARE(path.controls.size(), 2 * (path.points.size() - 1));
+            for (int p = 0; p + 1 < path.points.size(); ++p, ++i) {
+                // The vertices stay.
+                for (const int end : {0, 1}) {
+                    const QPointF difference =
+                        path.points.at(p + end) - pagePosition(vectorOf(curve.points.at(i + end)), page);
+                    QVERIFY(std::abs(difference.x()) <= 0.001 && std::abs(difference.y()) <= 0.001);
+                }
+                const QPointF middle = (path.points.at(p) + 3.0 * path.controls.at(2 * p) +
+                                        3.0 * path.controls.at(2 * p + 1) + path.points.at(p + 1)) /
+                                       8.0;
+                const Vector point = exact((double(times.at(i)) + double(times.at(i + 1))) / 2.0,
+                                           (double(amplitudes.at(i)) + double(amplitudes.at(i + 1))) / 2.0);
+                const QPointF difference = middle - pagePosition(point, page);
+                farthest = std::max(farthest, std::hypot(difference.x(), difference.y()));
+            }
+        }
+        QCOMPARE(i, 16665);
+        QVERIFY2(farthest <= limit, qPrintable(QString::number(farthest)));
+        qInfo("at most %.4f mm from the exact curve", farthest);
     }
 
     void pdfHasNeitherFontsNorImages()
     {
-        const QByteArray pdf = pdfOf(curveOf(pdx3.presets.at(1)), Page{200, 100, 0.2, Qt::white, {}});
+        const QByteArray pdf = pdfText(curveOf(pdx3.presets.at(1)), Page{200, 100, 0.2, Qt::white, {}});
         QVERIFY(pdf.startsWith("%PDF-"));
         QVERIFY(pdf.contains("/MediaBox [0 0 567.000000 283.000000]"));
         QVERIFY(!pdf.contains("/Subtype /Image") && !pdf.contains("/Type /Font"));
@@ -198,9 +359,11 @@ private slots:
         const QString pdf = folder.filePath("curve.pdf");
         const QString png = folder.filePath("curve.png");
         // 6 by 4 inches: whole points, and 600 by 400 pixels at 100 dots per inch. The curve exceeds the page.
-        const Page page{152.4, 101.6, 0.3, Qt::white, {480, 400, 16 * preset}};
+        Page page{152.4, 101.6, 0.3, Qt::white, {480, 400, 16 * preset}};
+        page.isSmooth = preset % 2 == 1;
+        page.isInDepthOrder = preset % 10 == 0;
         const Curve curve = curveOf(pdx3.presets.at(preset));
-        QVERIFY(save(svg, svgOf(curve, page)) && save(pdf, pdfOf(curve, page)));
+        QVERIFY(save(svg, svgText(curve, page)) && save(pdf, pdfText(curve, page)));
         QVERIFY(run("rsvg-convert", {"--width=600", "--height=400", "--output=" + png, svg}));
         QVERIFY(run("pdftoppm", {"-r", "100", "-png", "-singlefile", pdf, folder.filePath("pdf")}));
         const ImageComparison result = compareImages(QImage(png), QImage(folder.filePath("pdf.png")));
@@ -209,6 +372,36 @@ private slots:
             qPrintable(
                 QString("correlation %1, %2 of the pixels differ").arg(result.correlation).arg(result.differingPart)));
         qInfo("correlation %.4f, %.2f %% of the pixels differ", result.correlation, 100.0 * result.differingPart);
+    }
+
+    void depthOrderHidesFarSegmentsAsImage()
+    {
+#ifndef PENDRIX_HAS_RENDERERS
+        QSKIP("rsvg-convert or pdftoppm is not installed");
+#endif
+        const QTemporaryDir folder;
+        const Curve curve = curveOf(pdx3.presets.at(9));
+        Page page{101.6, 101.6, 2.54, Qt::white, {480, 400, 0}}; // 400 by 400 pixels at 100 dots per inch
+        Page image = page;
+        image.width = image.height = 400.0;
+        image.lineWidth = 10.0;
+        const QImage expected = imageOf(drawingOf(curve, image), image);
+        const auto svgIsLikeImage = [&] {
+            const bool isRendered =
+                save(folder.filePath("a.svg"), svgText(curve, page)) &&
+                run("rsvg-convert",
+                    {"--width=400", "--height=400", "--output=" + folder.filePath("a.png"), folder.filePath("a.svg")});
+            return isRendered && compareImages(QImage(folder.filePath("a.png")), expected).isAlike();
+        };
+        const auto pdfIsLikeImage = [&] {
+            const bool isRendered =
+                save(folder.filePath("b.pdf"), pdfText(curve, page)) &&
+                run("pdftoppm", {"-r", "100", "-png", "-singlefile", folder.filePath("b.pdf"), folder.filePath("b")});
+            return isRendered && compareImages(QImage(folder.filePath("b.png")), expected).isAlike();
+        };
+        QVERIFY(!svgIsLikeImage() && !pdfIsLikeImage());
+        page.isInDepthOrder = true;
+        QVERIFY(svgIsLikeImage() && pdfIsLikeImage());
     }
 };
 
