@@ -35,6 +35,12 @@ struct Piece
 
 using Pieces = std::vector<const Piece *>;
 
+/// Returns the greatest difference of a channel of `a` and `b`.
+int difference(QRgb a, QRgb b)
+{
+    return std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
+}
+
 /// Returns the colour `part` (0 to 1) of the way from `a` to `b`.
 QRgb mixed(QRgb a, QRgb b, double part)
 {
@@ -42,8 +48,9 @@ QRgb mixed(QRgb a, QRgb b, double part)
     return qRgb(mix(qRed(a), qRed(b)), mix(qGreen(a), qGreen(b)), mix(qBlue(a), qBlue(b)));
 }
 
-/// Appends the pieces of segment `i` of `drawing` to `pieces`: pieces no longer than `longest`, so that colour and
-/// nearness change in small steps, and 1/16 pixel from a Bézier curve at most.
+/// Appends the pieces of segment `i` of `drawing` to `pieces`: no longer than `longest`, so that nearness changes in
+/// small steps, 1/16 pixel from a Bézier curve at most, and with colours that differ by 32 at most or pieces of 2
+/// pixels.
 void appendPieces(std::vector<Piece> &pieces, const Drawing &drawing, int i, double longest)
 {
     const QPointF a = drawing.position(i);
@@ -55,7 +62,10 @@ void appendPieces(std::vector<Piece> &pieces, const Drawing &drawing, int i, dou
     // The second derivative of a Bézier curve is at most 6 times the greater second difference. n chords of equal
     // parameter are 1 / (8 n^2) of it from the curve.
     const double bend = isCurved ? std::max(length(a - 2.0 * b + c), length(b - 2.0 * c + d)) : 0.0;
-    const double parts = std::max(length(d - a) / longest, std::sqrt(6.0 * bend / 8.0 * 16.0));
+    const QRgb color = vertexColor(drawing.colors, i);
+    const QRgb next = vertexColor(drawing.colors, i + 1);
+    const double steps = std::min(difference(color, next) / 32.0, length(d - a) / 2.0);
+    const double parts = std::max({length(d - a) / longest, std::sqrt(6.0 * bend / 8.0 * 16.0), steps});
     const int count = static_cast<int>(std::ceil(std::clamp(parts, 1.0, 1000.0)));
     const auto at = [&](int k) {
         const double s = static_cast<double>(k) / count;
@@ -65,8 +75,6 @@ void appendPieces(std::vector<Piece> &pieces, const Drawing &drawing, int i, dou
     };
     const double near = drawing.points.at(i).nearness;
     const double change = drawing.points.at(i + 1).nearness - near;
-    const QRgb color = vertexColor(drawing.colors, i);
-    const QRgb next = vertexColor(drawing.colors, i + 1);
     for (int k = 0; k < count; ++k) {
         const double middle = (k + 0.5) / count;
         pieces.push_back({at(k), at(k + 1), near + change * middle, mixed(color, next, middle)});
