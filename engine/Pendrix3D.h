@@ -44,8 +44,8 @@ public:
     /// `paramList`.
     Pendrix3D();
 
-    /// Makes preset `n` % `presetCount` current and computes its curve. Reaches only the built-in presets, never `paramList`. A
-    /// negative remainder sets `setIndex` but leaves the curve unchanged.
+    /// Makes preset `n` % `presetCount` current and computes its curve. Reaches only the built-in presets, never
+    /// `paramList`. A negative remainder sets `setIndex` but leaves the curve unchanged.
     void set(int n);
 
     /// Makes `row` current and computes its curve. The colour mode is truncated toward zero; one that does not fit an
