@@ -28,6 +28,7 @@ constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
 constexpr const char *keys[] = {SettingsKey::colsWidth, SettingsKey::geometry, SettingsKey::paramList,
                                 SettingsKey::windowState};
 
+constexpr quint32 userType = 127;     // a type with a name, in streams of the version Qt_4_0
 constexpr char letters[] = "abtnvfr"; // of the escapes \a to \r, in the order of their codes
 
 /// Returns the bytes of the value `text`, without quotes and with the escapes of QSettings replaced.
@@ -103,17 +104,23 @@ QVariant decoded(std::string_view key, std::string_view text)
     quint32 type = 0;
     QByteArray name;
     stream >> type >> name;
-    name.replace("> >", ">>"); // Qt 5 writes the blank
+    name.replace("> >", ">>").replace("QList<", "QVector<"); // Qt 5 writes the blank, Qt 6 writes QList
     const char *typeName = depth == 1 ? "QVector<int>" : "QVector<QVector<float>>";
-    if (type != 127 || name != QByteArray(typeName) + '\0' || !hasElements(stream, depth) || !stream.atEnd())
+    if (type != userType || name != QByteArray(typeName) + '\0')
         return {};
-    stream.device()->seek(0);
-    QVariant container;
-    stream >> container;
-    return container;
+    const qint64 start = stream.device()->pos();
+    if (!hasElements(stream, depth) || !stream.atEnd() || !stream.device()->seek(start))
+        return {};
+    QVector<int> widths;
+    QVector<QVector<float>> rows;
+    if (depth == 1)
+        stream >> widths;
+    else
+        stream >> rows;
+    return depth == 1 ? QVariant::fromValue(widths) : QVariant::fromValue(rows);
 }
 
-/// Returns the entry of `key` as QSettings writes it.
+/// Returns the entry of `key` as QSettings of Qt 5 writes it.
 QByteArray encoded(const QString &key, const QVariant &value)
 {
     QByteArray bytes = value.toByteArray();
@@ -121,7 +128,11 @@ QByteArray encoded(const QString &key, const QVariant &value)
     if (isVariant) {
         QDataStream stream(&bytes, QIODevice::WriteOnly);
         stream.setVersion(QDataStream::Qt_4_0);
-        stream << value;
+        stream << userType;
+        if (key == SettingsKey::colsWidth)
+            stream << "QVector<int>" << value.value<QVector<int>>();
+        else
+            stream << "QVector<QVector<float> >" << value.value<QVector<QVector<float>>>();
     }
     return key.toLatin1() + '=' + escaped((isVariant ? "@Variant(" : "@ByteArray(") + bytes + ')');
 }

@@ -30,7 +30,7 @@ QByteArray saved(const QByteArray &text)
     return folder.read();
 }
 
-/// Returns the text that plain QSettings writes.
+/// Returns the text that plain QSettings of Qt 5 writes.
 QByteArray plainText(const QSettings::SettingsMap &values)
 {
     const SettingsFolder folder;
@@ -40,7 +40,11 @@ QByteArray plainText(const QSettings::SettingsMap &values)
             plain.setValue(it.key(), it.value());
     }
     QFile file(folder.path("plain.conf"));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    QByteArray text = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    // Qt 6 writes other names of types, with their lengths.
+    text.replace("\\vQList<int>", "\\rQVector<int>")
+        .replace("\\x14QList<QList<float>>", "\\x19QVector<QVector<float> >");
+    return text;
 }
 
 /// Returns the line of markedRows(7) as a save writes it.
@@ -67,12 +71,38 @@ private slots:
 
     // ---- Reading ----
 
-    void bothSpellingsOfRowTypeAreRead()
+    void everySpellingOfRowTypeIsRead()
     {
-        for (const char *name : {"QVector<QVector<float> >", "QVector<QVector<float>>"}) {
+        for (const char *name : {"QVector<QVector<float> >", "QVector<QVector<float>>", "QList<QList<float>>"}) {
             const QByteArray line = variantLine("paramList", userValue(name, streamed(markedRows(3))));
             QCOMPARE(rowsIn("[General]\n" + line), markedRows(3));
         }
+    }
+
+    void columnWidthsOfEitherQtAreRead()
+    {
+        for (const char *line :
+             {R"(colsWidth=@Variant(\0\0\0\x7f\0\0\0\rQVector<int>\0\0\0\0\x2\0\0\0)\xff\xff\xff\xff))",
+              R"(colsWidth=@Variant(\0\0\0\x7f\0\0\0\vQList<int>\0\0\0\0\x2\0\0\0)\xff\xff\xff\xff))"}) {
+            const SettingsFolder folder;
+            QVERIFY(folder.write(QByteArray("[General]\n") + line + '\n'));
+            const auto widths = openSettings()->value("colsWidth").value<QVector<int>>();
+            QCOMPARE(widths, (QVector<int>{41, -1}));
+        }
+    }
+
+    void containersAreRegisteredByName()
+    {
+        const auto read = [](const QByteArray &bytes) {
+            QVariant value;
+            QDataStream stream(bytes);
+            stream.setVersion(QDataStream::Qt_4_0);
+            stream >> value;
+            return value;
+        };
+        const QVector<int> widths = {41, -1};
+        QCOMPARE(read(userValue("QVector<int>", streamed(widths))).value<QVector<int>>(), widths);
+        QCOMPARE(read(userValue("QVector<QVector<float>>", streamed(markedRows(3)))).value<Rows>(), markedRows(3));
     }
 
     void malformedListsAreIgnored()
@@ -188,8 +218,8 @@ private slots:
                                            {"colsWidth", QVariant::fromValue(QVector<int>(6, 50))},
                                            {"geometry", QByteArray("a,b")},
                                            {"windowState", QByteArray("c=d")}});
-        const int rowsStart = good.indexOf("paramList");
-        const int rowsEnd = good.indexOf('\n', rowsStart);
+        const auto rowsStart = good.indexOf("paramList");
+        const auto rowsEnd = good.indexOf('\n', rowsStart);
         QByteArray values("\0\n\r\"\\;=[\x7F\xFF", 10);
         for (int value = 0; values.size() < sampleSize(10, 266); ++value)
             values += static_cast<char>(value);
@@ -223,6 +253,21 @@ private slots:
     }
 
     // ---- Saving ----
+
+    void typesHaveNamesOfQt5()
+    {
+        const SettingsFolder folder;
+        {
+            const auto settings = openSettings();
+            settings->setValue("colsWidth", QVariant::fromValue(QVector<int>{41, -1}));
+            settings->setValue("paramList", QVariant::fromValue(Rows{{2.0F}}));
+        }
+        const char *expected = R"([General]
+colsWidth=@Variant(\0\0\0\x7f\0\0\0\rQVector<int>\0\0\0\0\x2\0\0\0)\xff\xff\xff\xff)
+paramList=@Variant(\0\0\0\x7f\0\0\0\x19QVector<QVector<float> >\0\0\0\0\x1\0\0\0\x1@\0\0\0)
+)";
+        QCOMPARE(folder.read(), QByteArray(expected));
+    }
 
     void newFileIsSameAsOfPlainQSettings()
     {
