@@ -19,12 +19,12 @@ Model::~Model() = default;
 
 int Model::rowCount(const QModelIndex & /*parent*/) const
 {
-    return pdx3.paramList.size();
+    return static_cast<int>(pdx3.paramList.size());
 }
 
 int Model::columnCount(const QModelIndex & /*parent*/) const
 {
-    return pdx3.header.size();
+    return static_cast<int>(pdx3.header.size());
 }
 
 QVariant Model::data(const QModelIndex &index, int role) const
@@ -45,7 +45,9 @@ bool Model::setData(const QModelIndex &index, const QVariant &value, int role)
     if (role != Qt::EditRole || !hasValue(index))
         return true;
     bool converted = false;
-    const float number = value.toFloat(&converted);
+    // QVariant::toFloat of Qt 6 makes text beyond the range of a float infinite or zero instead of rejecting it.
+    const bool isText = value.userType() == QMetaType::QString;
+    const float number = isText ? value.toString().toFloat(&converted) : value.toFloat(&converted);
     if (converted)
         pdx3.paramList[index.row()][index.column()] = number;
     return true;

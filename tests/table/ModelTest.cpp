@@ -88,6 +88,7 @@ private slots:
         QTest::newRow("decimal comma") << QVariant("2,5") << unchanged;
         QTest::newRow("trailing letter") << QVariant("2.5x") << unchanged;
         QTest::newRow("beyond a float") << QVariant("1e39") << unchanged;
+        QTest::newRow("closer to zero than any float") << QVariant("1e-50") << unchanged;
         QTest::newRow("beyond a double") << QVariant("1e400") << unchanged;
         QTest::newRow("invalid") << QVariant() << unchanged;
         QTest::newRow("list") << QVariant(QVariantList{1, 2}) << unchanged;
