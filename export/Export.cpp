@@ -57,6 +57,8 @@ void save(const QByteArray &content, const QString &path)
         if (links == 40) // the limit of Linux
             throw failure(QStringLiteral("too many links"), path);
         target.setFile(target.symLinkTarget());
+        if (target.filePath().contains(QChar::ReplacementCharacter)) // only with Qt 6; see ExportError
+            throw failure(QStringLiteral("the link's target is not UTF-8"), path);
     }
     if (target.exists() && !target.isFile())
         throw failure(QStringLiteral("not a regular file"), path);

@@ -4,8 +4,9 @@
 
 /// An error that ends the export. The program prints it as `pendrix3d-export: problem: detail`.
 ///
-/// Throughout the export, strings from outside (arguments, file names, system messages) hold one byte per character, so
-/// that every byte survives in every locale; see prepareProcess.
+/// Throughout the export, strings from outside (arguments, file names, system messages) are in the encoding of
+/// QString::fromLocal8Bit. With Qt 5, prepareProcess makes that one byte per character, so that every byte survives in
+/// every locale. With Qt 6, it is UTF-8, and other file names cannot be opened.
 struct ExportError
 {
     static constexpr int failure = 1;    ///< error in a file, a curve or the output

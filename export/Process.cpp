@@ -1,6 +1,8 @@
 #include "export/Process.h"
 
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
 #include <QTextCodec>
+#endif
 
 #include <algorithm>
 #include <cerrno>
@@ -21,10 +23,10 @@ bool isPrintable(QChar character)
            (character.isPrint() && !character.isSpace() && character != QChar::ReplacementCharacter);
 }
 
-/// Prints `message`, one byte per character, after the program's name on standard error.
+/// Prints `message` after the name of the program on standard error.
 void printLine(const QString &message)
 {
-    QString text = QString::fromUtf8((QStringLiteral("pendrix3d-export: ") + message).toLatin1());
+    QString text = QString::fromUtf8((QStringLiteral("pendrix3d-export: ") + message).toLocal8Bit());
     std::replace_if(
         text.begin(), text.end(), [](QChar character) { return !isPrintable(character); }, QLatin1Char('?'));
     (void)std::fputs((text + QLatin1Char('\n')).toUtf8().constData(), stderr);
@@ -44,20 +46,26 @@ void prepareProcess()
     (void)std::signal(SIGXFSZ, SIG_IGN);
 #endif
     qInstallMessageHandler(ignoreMessage);
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    // One byte per character. Qt 6 has no other 8-bit encoding than UTF-8.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+#endif
 }
 
 QStringList argumentsOf(int argc, char *argv[])
 {
     QStringList arguments;
-    for (int i = 0; i < argc; ++i)
-        arguments.append(QString::fromLatin1(argv[i]));
+    for (int i = 0; i < argc; ++i) {
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+        if (i > 0 && arguments.last().toLocal8Bit() != argv[i])
+            throw ExportError{ExportError::wrongUsage, QStringLiteral("argument is not UTF-8"), arguments.last()};
+    }
     return arguments;
 }
 
 void printMessage(const QString &message)
 {
-    printContent(message.toLatin1());
+    printContent(message.toLocal8Bit());
 }
 
 void printContent(const QByteArray &content)

@@ -9,10 +9,10 @@
 /// - closed standard streams are unusable, and no file opened later has the descriptor of a standard stream;
 /// - a write to a closed pipe or beyond the file size limit fails instead of raising a signal;
 /// - Qt prints no warnings;
-/// - strings from outside hold one byte per character (see ExportError) in every locale.
+/// - strings from outside are decoded in the same way in every locale; see ExportError.
 void prepareProcess();
 
-/// Returns the arguments of `main`, one byte per character.
+/// Returns the arguments of `main`. Throws an ExportError if one of them cannot be decoded.
 QStringList argumentsOf(int argc, char *argv[]);
 
 /// Prints `message` on standard output. Throws an ExportError if that fails.
