@@ -33,7 +33,7 @@ void pasteParamsFromClipboard(Pendrix3D &engine)
     const QString text = QGuiApplication::clipboard()->text();
     QStringView rest(text);
     RowFields fields;
-    const int rows = std::min(Pendrix3D::rowCount, engine.paramList.size());
+    const auto rows = std::min<qsizetype>(Pendrix3D::rowCount, engine.paramList.size());
     for (int r = 0; r < rows && takeRow(rest, fields); ++r)
         store(fields, engine.paramList[r]);
 }

@@ -20,6 +20,20 @@
 
 using Rows = QVector<QVector<float>>;
 
+namespace {
+
+/// Registers the container `T` and its stream operators under `name`.
+template <typename T>
+void registerContainer(const char *name)
+{
+    qRegisterMetaType<T>(name);
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    qRegisterMetaTypeStreamOperators<T>(name); // Qt 6 finds them itself
+#endif
+}
+
+} // namespace
+
 #ifdef PENDRIX_SETTINGS_ARE_TEXT
 namespace {
 
@@ -44,8 +58,8 @@ QString nativeFolder(QSettings::Scope scope)
 
 std::unique_ptr<QSettings> openSettings()
 {
-    qRegisterMetaTypeStreamOperators<QVector<int>>("QVector<int>");
-    qRegisterMetaTypeStreamOperators<Rows>("QVector<QVector<float>>");
+    registerContainer<QVector<int>>("QVector<int>");
+    registerContainer<Rows>("QVector<QVector<float>>");
     const QString organization = QStringLiteral("quillmoss");
     const QString application = QStringLiteral("pdx3");
 #ifdef PENDRIX_SETTINGS_ARE_TEXT

@@ -5,8 +5,10 @@
 
 int main(int argc, char *argv[])
 {
-    // Otherwise Qt closes the window when a session manager saves the session without ending it.
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    // Otherwise Qt 5 closes the window when a session manager saves the session without ending it.
     QGuiApplication::setFallbackSessionManagementEnabled(false);
+#endif
     QApplication application(argc, argv);
     closeOnTerminationSignals(&application);
     MainWindow window;

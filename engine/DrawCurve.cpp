@@ -6,18 +6,21 @@
 
 #include <algorithm>
 
+// double in Qt 5, float in Qt 6. Rounded to float, the components are the same.
+using Component = decltype(QColor().redF());
+
 void Pendrix3D::draw()
 {
     // The lists are public and may have been resized, so clamp the count.
-    const int count = std::min({nPoints, points.size(), colors.size()});
+    const auto count = std::min<qsizetype>({nPoints, points.size(), colors.size()});
     glBegin(GL_LINE_STRIP);
     for (int i = 0; i < count; ++i) {
         const CurvePoint &point = points.at(i);
         glVertex3f(point.x, point.y, point.z);
-        qreal r = 0.0;
-        qreal g = 0.0;
-        qreal b = 0.0;
-        qreal a = 1.0;
+        Component r = 0;
+        Component g = 0;
+        Component b = 0;
+        Component a = 1;
         // One call instead of four. getRgbF leaves the variables unchanged if the colour is invalid, so an invalid
         // colour is drawn opaque black.
         colors.at(i).getRgbF(&r, &g, &b, &a);

@@ -54,8 +54,9 @@ int firstNonFinite(const Curve &curve)
     const auto isFinite = [](const CurvePoint &p) {
         return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
     };
-    const auto found = std::find_if_not(curve.points.begin(), curve.points.end(), isFinite);
-    return found == curve.points.end() ? -1 : static_cast<int>(found - curve.points.begin());
+    // The iterator is a pointer with Qt 5 only.
+    const auto finite = std::find_if_not(curve.points.begin(), curve.points.end(), isFinite) - curve.points.begin();
+    return finite == curve.points.size() ? -1 : static_cast<int>(finite);
 }
 
 QRgb vertexColor(const QVector<QRgb> &colors, int i)

@@ -49,7 +49,7 @@ struct Figure
 /// Returns the figures with their captions, row by row, `columns` in each.
 QImage sheet(const QVector<Figure> &figures, int columns)
 {
-    const int rows = (figures.size() + columns - 1) / columns;
+    const int rows = (static_cast<int>(figures.size()) + columns - 1) / columns;
     QImage picture(columns * (cell + gap) + gap, rows * (cell + caption + gap) + gap, QImage::Format_RGB32);
     picture.fill(QColor(0x20, 0x20, 0x20));
     QPainter painter(&picture);

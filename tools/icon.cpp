@@ -121,7 +121,7 @@ Piece piece(const QVector<DrawingPoint> &points, int first, int last, double lin
 {
     const auto slope = [&points](int i) {
         const int before = std::max(i - 1, 0);
-        const int after = std::min(i + 1, points.size() - 1);
+        const int after = std::min(i + 1, static_cast<int>(points.size()) - 1);
         return (points.at(after) + points.at(before) * -1.0) * (1.0 / (after - before));
     };
     const double third = (last - first) / 3.0;

@@ -91,8 +91,8 @@ void Renderer::mouseDoubleClickEvent(QMouseEvent *event)
 void Renderer::mouseMoveEvent(QMouseEvent *event)
 {
     // The difference of two ints can exceed the int range.
-    const qint64 dx = qint64{event->x()} - lastPos.x();
-    const qint64 dy = qint64{event->y()} - lastPos.y();
+    const qint64 dx = qint64{event->pos().x()} - lastPos.x();
+    const qint64 dy = qint64{event->pos().y()} - lastPos.y();
     if (event->buttons() & Qt::LeftButton) {
         setAngle(xRot, xRot + unitsPerPixel * dy, &Renderer::xRotationChanged);
         setAngle(yRot, yRot + unitsPerPixel * dx, &Renderer::yRotationChanged);

@@ -10,8 +10,12 @@
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
+    qRegisterMetaType<QVector<int>>("QVector<int>");
+    qRegisterMetaType<QVector<QVector<float>>>("QVector<QVector<float>>");
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
     qRegisterMetaTypeStreamOperators<QVector<int>>("QVector<int>");
     qRegisterMetaTypeStreamOperators<QVector<QVector<float>>>("QVector<QVector<float>>");
+#endif
     const int round = QCoreApplication::arguments().value(1).toInt();
 
     QSettings settings("quillmoss", "pdx3");

@@ -36,7 +36,12 @@ public:
     explicit Offer(const QByteArray &text) { setText(QString::fromUtf8(text)); }
 
 protected:
-    QVariant retrieveData(const QString &type, QVariant::Type wanted) const override
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    using WantedType = QVariant::Type;
+#else
+    using WantedType = QMetaType;
+#endif
+    QVariant retrieveData(const QString &type, WantedType wanted) const override
     {
         isTaken = true;
         return QMimeData::retrieveData(type, wanted);

@@ -12,7 +12,7 @@ private slots:
     {
         QTest::addColumn<QString>("factor");
         const QStringList factors = {"2", "1.5", "3"};
-        for (int i = 0; i < sampleSize(1, factors.size()); ++i)
+        for (int i = 0; i < sampleSize(1, static_cast<int>(factors.size())); ++i)
             QTest::newRow(qPrintable(factors.at(i))) << factors.at(i);
     }
 

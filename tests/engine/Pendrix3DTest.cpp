@@ -312,7 +312,7 @@ private slots:
         const QRgb before = pdx3.colors.at(6).rgb();
         // 16-bit components, other colour models and an invalid colour.
         pdx3.colors[2] = QColor::fromRgba64(1, 40000, 65534, 30001);
-        pdx3.colors[3] = QColor::fromHsvF(0.5, 1.0, 1.0, 0.2);
+        pdx3.colors[3] = QColor::fromHsvF(0.5F, 1.0F, 1.0F, 0.2F);
         pdx3.colors[4] = QColor::fromCmyk(0, 255, 0, 0);
         pdx3.colors[5] = QColor();
         QVector<OpenGLCall> calls = drawCalls();

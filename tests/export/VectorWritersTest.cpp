@@ -200,7 +200,7 @@ private slots:
                 QVERIFY(std::abs(difference.x()) <= 0.001 && std::abs(difference.y()) <= 0.001);
                 QVERIFY(p + 1 == path.points.size() || path.color == pdx3.colors.at(i + p).name());
             }
-            i += path.points.size() - 1;
+            i += static_cast<int>(path.points.size()) - 1;
         }
         QCOMPARE(i, 16665);
     }

@@ -82,7 +82,7 @@ QByteArray unescaped(const QByteArray &text)
 /// Returns `bytes` after a mutation by libFuzzer.
 QByteArray mutated(QByteArray bytes)
 {
-    const int size = bytes.size();
+    const int size = static_cast<int>(bytes.size());
     const int most = size + std::max(size / 4, 64);
     bytes.resize(most);
     bytes.resize(static_cast<int>(LLVMFuzzerMutate(reinterpret_cast<std::uint8_t *>(bytes.data()),
@@ -94,7 +94,7 @@ QByteArray mutated(QByteArray bytes)
 QByteArray withMutatedValue(QByteArray file, const Key &key)
 {
     const QByteArray start = QByteArray("\n") + key.name + '=';
-    int at = file.indexOf(start);
+    auto at = file.indexOf(start);
     if (at < 0) {
         const QByteArray section("[General]");
         if (!file.contains(section))
@@ -102,9 +102,9 @@ QByteArray withMutatedValue(QByteArray file, const Key &key)
         at = file.indexOf(section) + section.size();
         file.insert(at, start + key.form + ')');
     }
-    const int valueAt = at + start.size();
-    const int lineEnd = file.indexOf('\n', valueAt);
-    const int length = (lineEnd < 0 ? file.size() : lineEnd) - valueAt;
+    const auto valueAt = at + start.size();
+    const auto lineEnd = file.indexOf('\n', valueAt);
+    const auto length = (lineEnd < 0 ? file.size() : lineEnd) - valueAt;
     QByteArray value = file.mid(valueAt, length);
     if (value.startsWith('"'))
         value = value.mid(1, value.size() - 2);

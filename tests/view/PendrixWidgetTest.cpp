@@ -123,9 +123,9 @@ private slots:
             view.resize(300 + 10 * i, 200);
             QTRY_VERIFY(FakeOpenGL::calls().contains({"glViewport", {0.0, 0.0, 300.0 + 10 * i, 200.0}}));
         }
-        const int paints = FakeOpenGL::calls().count({"glBegin", {GL_LINE_STRIP}});
+        const auto paints = FakeOpenGL::calls().count({"glBegin", {GL_LINE_STRIP}});
         QVERIFY(paints >= 3);
-        QCOMPARE(qRound((pdx3.freq1 - 1.0F) / 0.0004F), paints);
+        QCOMPARE(qRound((pdx3.freq1 - 1.0F) / 0.0004F), static_cast<int>(paints));
     }
 };
 

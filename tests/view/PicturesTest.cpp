@@ -127,7 +127,7 @@ private slots:
         Probe view;
         show(view, {420, 360});
         paint(view, {1.0F, 1.0F, 0.0F, 0.25F, 0.0F, 5.0F});
-        const int ratio = view.devicePixelRatio();
+        const int ratio = qRound(view.devicePixelRatioF());
         QCOMPARE(ratio, qMax(1, qEnvironmentVariableIntValue("QT_SCALE_FACTOR")));
         QCOMPARE(view.frame.size(), QSize(420, 360) * ratio);
         const QRect area = litArea(view.frame);
@@ -143,7 +143,7 @@ private slots:
         Probe view;
         show(view, {300, 300});
         paint(view, {0.0F, 0.0F, 0.0F, 0.25F, 0.0F, 5.0F});
-        const int ratio = view.devicePixelRatio();
+        const int ratio = qRound(view.devicePixelRatioF());
         const QRect area = litArea(view.frame);
         QVERIFY(area.top() >= 148 * ratio && area.bottom() > 200 * ratio);
         QCOMPARE(view.frame.pixelColor(area.center()), QColor(0, 0, 255));

@@ -450,8 +450,9 @@ private slots:
         });
         connect(&view, &Renderer::doubleClicked, this, [&](QMouseEvent *event) { doubleClicked << event; });
 
-        QMouseEvent press(QEvent::MouseButtonPress, QPointF(7.6, 9.4), Qt::MiddleButton, Qt::MiddleButton, {});
-        QMouseEvent twice(QEvent::MouseButtonDblClick, QPointF(70, 90), Qt::LeftButton, Qt::LeftButton, {});
+        QMouseEvent press(QEvent::MouseButtonPress, QPointF(7.6, 9.4), QPointF(), Qt::MiddleButton, Qt::MiddleButton,
+                          {});
+        QMouseEvent twice(QEvent::MouseButtonDblClick, QPointF(70, 90), QPointF(), Qt::LeftButton, Qt::LeftButton, {});
         for (QMouseEvent *event : {&press, &twice}) {
             QApplication::sendEvent(&view, event);
             QVERIFY(event->isAccepted()); // QWidget's handlers would ignore it
