@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Builds with g++ and clang++, each with -O0, -O2 and -O3 -march=native, and with g++ for emulated 64-bit Arm. Fails
-# unless all builds compute the same curves and colours, bit for bit. Then runs the default tests in each build, on Arm
-# only those of numerics, color and engine.
+# Builds with g++ and clang++, each with -O0, -O2 and -O3 -march=native, with g++ and Qt 6, and with g++ for emulated
+# 64-bit Arm. Fails unless all builds compute the same curves and colours, bit for bit. Then runs the default tests in
+# each build, on Arm only those of numerics, color and engine.
 #   scripts/every-build.sh [--digests-only] [BUILD ...]
 # --digests-only skips the tests. BUILD ... selects builds from those of `select_names` below.
 set -euo pipefail
@@ -13,10 +13,11 @@ if [ "${1-}" = --digests-only ]; then
 fi
 . scripts/select-names.sh
 select_names "scripts/every-build.sh [--digests-only] [BUILD ...]" \
-  "g++-O0 g++-O2 g++-O3 clang++-O0 clang++-O2 clang++-O3 arm64" "$@"
+  "g++-O0 g++-O2 g++-O3 clang++-O0 clang++-O2 clang++-O3 qt6 arm64" "$@"
 
 . scripts/packages.sh
 install_missing "${to_build[@]}" "${to_test[@]}" "${to_check[@]}"
+[[ " ${selected[*]} " != *" qt6 "* ]] || install_missing "${qt6[@]}"
 
 folder=$PWD/build/every
 sysroot=$folder/arm64-sysroot
@@ -50,7 +51,7 @@ prepare_sysroot() {
   touch "$sysroot/complete"
 }
 
-# configure BUILD: BUILD is COMPILER-OPTIMISATION or arm64.
+# configure BUILD: BUILD is COMPILER-OPTIMISATION, qt6 or arm64.
 configure() {
   local options flags
   case "$1" in
@@ -63,6 +64,10 @@ configure() {
         -DCMAKE_FIND_ROOT_PATH_MODE_PROGRAM=NEVER -DCMAKE_FIND_ROOT_PATH_MODE_LIBRARY=ONLY
         -DCMAKE_FIND_ROOT_PATH_MODE_INCLUDE=ONLY -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=ONLY
       )
+      ;;
+    qt6)
+      flags=-O2
+      options=(-DCMAKE_CXX_COMPILER=g++ -DPENDRIX_QT=6)
       ;;
     *)
       flags=-${1#*-}

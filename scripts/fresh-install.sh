@@ -2,9 +2,9 @@
 # Tests the packages of the current commit in bare Debian systems: builds the Debian package and the source package in
 # one system; installs, uses and removes the Debian package in another. Requires root and debootstrap, and downloads
 # several hundred MB.
-#   scripts/fresh-install.sh [--base FOLDER] [--allow-expired] [SUITE]
+#   scripts/fresh-install.sh [--base FOLDER] [--allow-expired] [--without-qt5] [SUITE]
 # SUITE is bookworm by default. --base keeps the bare system in FOLDER for the next run. --allow-expired accepts an
-# archive that is no longer updated, such as a snapshot of unstable.
+# archive that is no longer updated, such as a snapshot of unstable. --without-qt5 hides the packages of Qt 5 from apt.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/fresh-system-functions.sh
@@ -26,11 +26,11 @@ step "A bare Debian builds the packages: $suite"
 make_system builder
 clone_into builder
 in_project() { in_system builder env --chdir=/root/pendrix3d "$@"; }
-. scripts/packages.sh
-in_system builder apt-get -qq update
-install builder "${to_build[@]%%:*}" "${to_package[@]%%:*}"
+# shellcheck disable=SC2016 # a script for the system
+in_project bash -c '. scripts/packages.sh; install_missing "${to_build[@]}" "${to_package[@]}"'
 in_project cmake --preset release > /dev/null
 in_project cmake --build --preset release --target pendrix3d pendrix3d-export tools/all tests/support/all > /dev/null
+check_qt builder
 in_project env --chdir=build/release cpack -G DEB
 in_project env --chdir=build/release cpack --config CPackSourceConfig.cmake
 
@@ -59,7 +59,7 @@ install user /root/pendrix3d.deb
 after=$(in_system user dpkg-query --show | wc -l)
 echo "It has $((after - before - 1)) dependencies that were not installed."
 in_system user dpkg --verify pendrix3d
-in_system user bash -c "ldd /usr/bin/pendrix3d /usr/lib/*/qt5/plugins/platforms/libqxcb.so" > "$scratch/libraries"
+in_system user bash -c "ldd /usr/bin/pendrix3d /usr/lib/*/qt$qt_major/plugins/platforms/libqxcb.so" > "$scratch/libraries"
 if grep "not found" "$scratch/libraries"; then
   exit 1
 fi

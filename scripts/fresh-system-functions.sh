@@ -1,28 +1,30 @@
 # shellcheck shell=bash
 # Sourced by the scripts that test the project in a bare Debian system. They run as root.
 
-# Set by begin_fresh: the temporary folder, the folder of the base system or nothing, the Debian suite, and `yes` if the
-# archive may have expired.
+# Set by begin_fresh: the temporary folder, the folder of the base system or nothing, the Debian suite, `yes` if the
+# archive may have expired, and the major version of Qt that the system must use.
 scratch=
 base=
 suite=bookworm
 allow_expired=
+qt_major=5
 current="the start"
 
-# begin_fresh [--base FOLDER] [--allow-expired] [SUITE]: parses the arguments of the script and creates `scratch`. When
-# the script exits, the folder is removed, and a failure is reported.
+# begin_fresh [--base FOLDER] [--allow-expired] [--without-qt5] [SUITE]: parses the arguments of the script and creates
+# `scratch`. When the script exits, the folder is removed, and a failure is reported.
 begin_fresh() {
   while [ $# -gt 0 ]; do
     case "$#:$1" in
       1:--base) break ;;
       *:--base) base=$(realpath --canonicalize-missing "$2"); shift ;;
       *:--allow-expired) allow_expired=yes ;;
+      *:--without-qt5) qt_major=6 ;;
       1:[a-z]*) suite=$1 ;;
       *) break ;;
     esac
     shift
   done
-  [ $# -eq 0 ] || { echo "usage: $0 [--base FOLDER] [--allow-expired] [SUITE]" >&2; exit 2; }
+  [ $# -eq 0 ] || { echo "usage: $0 [--base FOLDER] [--allow-expired] [--without-qt5] [SUITE]" >&2; exit 2; }
   if [ "$(id -u)" -ne 0 ]; then
     echo "${0##*/}: must be run as root" >&2
     exit 1
@@ -76,6 +78,10 @@ make_system() {
     echo "apt accepts an expired archive; it still verifies the signatures."
     echo 'Acquire::Check-Valid-Until "false";' > "$scratch/$1/etc/apt/apt.conf.d/allow-expired"
   fi
+  if [ "$qt_major" = 6 ]; then
+    printf 'Package: qtbase5-dev libqt5*\nPin: release *\nPin-Priority: -1\n' \
+      > "$scratch/$1/etc/apt/preferences.d/without-qt5"
+  fi
 }
 
 # in_system NAME COMMAND [ARGUMENT ...]: runs a command in the system as root, in root's home, with /proc and pseudo
@@ -86,6 +92,16 @@ in_system() {
   unshare --mount --pid --fork --kill-child --root="$root" --mount-proc --wd=/root \
     /usr/bin/env --ignore-environment HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin TERM=dumb LANG=C.UTF-8 \
     sh -c 'mount -t devpts -o newinstance,ptmxmode=0666 devpts /dev/pts && exec "$@"' sh "$@" < /dev/null
+}
+
+# check_qt NAME: fails unless the programs in the folder build/release of the system's clone use the expected Qt.
+check_qt() {
+  in_system "$1" ldd pendrix3d/build/release/pendrix3d pendrix3d/build/release/pendrix3d-export > "$scratch/libraries"
+  if ! grep --quiet "libQt${qt_major}Core" "$scratch/libraries" || grep "libQt[^$qt_major]" "$scratch/libraries"; then
+    echo "The programs do not use Qt $qt_major." >&2
+    return 1
+  fi
+  echo "The programs use Qt $qt_major."
 }
 
 # clone_into NAME: clones the current commit to pendrix3d in root's home in the system.

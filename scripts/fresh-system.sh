@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Tests ./run.sh --screenshot and ./test.sh of the current commit in a bare Debian system. Reports their times and the
 # number of tests; fails on any warning. Requires root and debootstrap, and downloads several hundred MB.
-#   scripts/fresh-system.sh [--base FOLDER] [--allow-expired] [SUITE]
+#   scripts/fresh-system.sh [--base FOLDER] [--allow-expired] [--without-qt5] [SUITE]
 # SUITE is bookworm (the default), trixie, sid, or bullseye. The CMake of bullseye is too old for the presets: the
 # commands must report that without installing anything, and a build without presets must succeed.
 # --base keeps the bare system in FOLDER for the next run. --allow-expired accepts an archive that is no longer updated,
-# such as a snapshot of unstable.
+# such as a snapshot of unstable. --without-qt5 hides the packages of Qt 5 from apt, so that the commands must use Qt 6.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/fresh-system-functions.sh
@@ -13,7 +13,7 @@ begin_fresh "$@"
 log=$scratch/log
 
 in_project() { in_system debian env --chdir=/root/pendrix3d "$@"; }
-packages() { in_system debian dpkg-query --show; }
+installed_packages() { in_system debian dpkg-query --show; }
 
 # measure COMMAND ...: runs it in the project; prints its output, copies it to `log`, and sets `took`, its times.
 measure() {
@@ -34,7 +34,7 @@ check_warnings() {
 # expression, and installs nothing.
 check_failure() {
   local before
-  before=$(packages)
+  before=$(installed_packages)
   if in_project "${@:2}" > "$log" 2>&1; then
     cat "$log"
     echo "The command succeeded: ${*:2}" >&2
@@ -42,7 +42,7 @@ check_failure() {
   fi
   cat "$log"
   grep --quiet --extended-regexp "$1" "$log"
-  [ "$before" = "$(packages)" ] || { echo "The command has installed packages: ${*:2}" >&2; exit 1; }
+  [ "$before" = "$(installed_packages)" ] || { echo "The command has installed packages: ${*:2}" >&2; exit 1; }
 }
 
 # check_screenshot FILE: fails if a picture in root's home is blank; sets `colors`, its number of vivid colours.
@@ -61,10 +61,11 @@ if [ "$suite" = bullseye ]; then
     check_failure 'CMake is too old: 3\.21 or newer is required, and apt offers 3\.18\.4' "$command"
   done
   step "A build without presets"
-  . scripts/packages.sh
   in_system debian apt-get -qq update
+  # shellcheck disable=SC2016 # a script for the system
+  mapfile -t packages < <(in_project bash -c '. scripts/packages.sh; missing_packages "${to_build[@]}"')
   in_system debian env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 \
-    install --yes --no-install-recommends "${to_build[@]%%:*}" > "$log" 2>&1 || { cat "$log" >&2; exit 1; }
+    install --yes --no-install-recommends "${packages[@]}" > "$log" 2>&1 || { cat "$log" >&2; exit 1; }
   check_failure 'CMake is too old: 3\.21 or newer is required, and the installed version is 3\.18\.4' ./run.sh
   measure cmake -G Ninja -S . -B build/release -DCMAKE_BUILD_TYPE=Release
   check_warnings "$log"
@@ -78,12 +79,14 @@ fi
 
 step "./run.sh without root and sudo"
 chmod o+x "$scratch/debian/root"
-check_failure '^apt-get install .*qtbase5-dev' setpriv --reuid=65534 --regid=65534 --clear-groups ./run.sh
+qt_package=$([ "$qt_major" = 5 ] && echo qtbase5-dev || echo qt6-base-dev)
+check_failure "^apt-get install .*$qt_package" setpriv --reuid=65534 --regid=65534 --clear-groups ./run.sh
 
 step "./run.sh --screenshot"
 measure ./run.sh --screenshot /root/screenshot.png
 run_took=$took
 check_warnings "$log"
+check_qt debian
 if grep --ignore-case 'test\|benchmark\|wayland\|debconf\|invoke-rc' "$log"; then
   echo "The above lines do not concern a user of the program." >&2
   exit 1
@@ -107,7 +110,7 @@ for folder in .cache .config .local; do
   [ ! -e "$scratch/debian/root/$folder" ] || { echo "The tests have written to ~/$folder." >&2; exit 1; }
 done
 
-printf '\nFresh system, %s of %s: passed, without warnings.\n' \
-  "$suite" "$(sed -n 's/^Date: //p' "$scratch"/debian/var/lib/apt/lists/*_dists_"$suite"_InRelease)"
+printf '\nFresh system, %s of %s, Qt %s: passed, without warnings.\n' \
+  "$suite" "$(sed -n 's/^Date: //p' "$scratch"/debian/var/lib/apt/lists/*_dists_"$suite"_InRelease)" "$qt_major"
 printf '%s: %s\n' "./run.sh --screenshot" "$run_took" "./test.sh, $tests tests" "$test_took" \
   "Vivid colours of the screenshot" "$colors"
