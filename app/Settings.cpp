@@ -10,6 +10,7 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <utility>
 
 #if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
 #define PENDRIX_SETTINGS_ARE_TEXT
@@ -80,7 +81,7 @@ std::unique_ptr<QSettings> openSettings()
     if (!folders.contains(systemFolder))
         QSettings::setPath(format, QSettings::SystemScope, systemFolder);
     folders << folder << systemFolder;
-    for (const QString &place : qAsConst(folders)) {
+    for (const QString &place : std::as_const(folders)) {
         if (!canOpen(place + QStringLiteral("/quillmoss.conf")) ||
             !canOpen(place + QStringLiteral("/quillmoss/pdx3.conf")))
             return settings; // without fallback files

@@ -14,6 +14,7 @@
 #include <iterator>
 #include <limits>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -114,7 +115,7 @@ void Pendrix3D::nextSet()
 void Pendrix3D::resetParamList()
 {
     paramList.clear(); // keeps the storage
-    for (const QVector<float> &preset : qAsConst(presets))
+    for (const QVector<float> &preset : std::as_const(presets))
         paramList.append(preset);
     while (paramList.size() < rowCount)
         paramList.append(blankRow);
@@ -124,7 +125,7 @@ QStringList Pendrix3D::preset2StringList()
 {
     QStringList lines;
     lines.reserve(presets.size());
-    for (const QVector<float> &preset : qAsConst(presets)) {
+    for (const QVector<float> &preset : std::as_const(presets)) {
         QString line;
         for (const float value : preset)
             line += QStringLiteral("%1, ").arg(static_cast<double>(value), 0, 'g', -1);

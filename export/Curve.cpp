@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -26,7 +27,7 @@ Curve curveOf(const QVector<float> &row)
     pdx3.set(row);
     Curve curve{row, pdx3.points, {}};
     curve.colors.reserve(pdx3.colors.size());
-    for (const QColor &color : qAsConst(pdx3.colors))
+    for (const QColor &color : std::as_const(pdx3.colors))
         curve.colors.append(color.rgb());
     return curve;
 }

@@ -26,6 +26,7 @@
 #include <QWindow>
 
 #include <iterator>
+#include <utility>
 
 namespace {
 
@@ -76,7 +77,7 @@ QString numbersOf(const QVector<float> &row)
 QVector<Figure> presets()
 {
     QVector<Figure> figures;
-    for (const QVector<float> &row : qAsConst(pdx3.presets))
+    for (const QVector<float> &row : std::as_const(pdx3.presets))
         figures.append({row, QStringLiteral("%1:  %2").arg(figures.size() + 1).arg(numbersOf(row))});
     return figures;
 }

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <utility>
 
 namespace {
 
@@ -173,7 +174,7 @@ QString icon(const Style &style)
             .arg(style.margin)
             .arg(plate)
             .arg(plate * 0.2);
-    for (const Piece &each : qAsConst(pieces))
+    for (const Piece &each : std::as_const(pieces))
         text += each.path;
     return text + QStringLiteral("</g>\n</svg>\n");
 }

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -140,7 +141,7 @@ private slots:
               streamed(71U) + streamed(0x3FFFFFFFU) + QByteArray(100, '\0'),
               userValue("QVariantList", streamed(0x7FFFFFFFU)), userValue("NoSuchType", "1234"), nested})
             values << "@Variant(" + escapedText(bytes) + ')';
-        for (const QByteArray &value : qAsConst(values)) {
+        for (const QByteArray &value : std::as_const(values)) {
             for (const char *key : {"colsWidth", "geometry", "foreign", "windowState"}) {
                 const SettingsFolder folder;
                 QVERIFY(folder.write("[General]\n" + QByteArray(key) + '=' + value + '\n' + rowsLine(markedRows(3))));
@@ -226,7 +227,7 @@ private slots:
         const int step = sampleSize(37, 1);
         for (int at = 0; at < good.size(); at += step) {
             QCOMPARE(rowsIn(good.left(at)), at >= rowsEnd ? markedRows(3) : Rows());
-            for (const char value : qAsConst(values)) {
+            for (const char value : std::as_const(values)) {
                 QByteArray text = good;
                 text[at] = value;
                 const Rows rows = rowsIn(text);

@@ -16,6 +16,7 @@
 #include <limits>
 #include <memory>
 #include <random>
+#include <utility>
 
 #include <sys/resource.h>
 
@@ -213,7 +214,7 @@ private slots:
             QVector<QByteArray> damaged = {good.left(at)};
             for (const char byte : {'\x01', '\x7F', '\x80', '\xFF'})
                 damaged << QByteArray(good).replace(at, 1, QByteArray(1, byte));
-            for (const QByteArray &bytes : qAsConst(damaged)) {
+            for (const QByteArray &bytes : std::as_const(damaged)) {
                 const auto window = windowWith("[General]\n" + byteArrayLine(key, bytes));
                 if (key == "geometry")
                     window->show(); // applies it
@@ -304,7 +305,7 @@ private slots:
                 damaged.last() += static_cast<char>(random() % 2 == 0 ? good.at(damaged.last().size()) : random());
         }
         int count = 0;
-        for (const QByteArray &bytes : qAsConst(damaged)) {
+        for (const QByteArray &bytes : std::as_const(damaged)) {
             const auto window = windowWith("[General]\n" + byteArrayLine("geometry", bytes));
             for (const QRect &rect : {window->geometry(), window->normalGeometry()}) {
                 const QRect title = rect.adjusted(0, -20, 0, 20 - rect.height()) & screen;

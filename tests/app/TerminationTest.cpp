@@ -20,6 +20,7 @@
 
 #include <csignal>
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -136,7 +137,7 @@ private slots:
         QFETCH(QVector<int>, sent);
         const QByteArray state = QByteArray(QTest::currentDataTag()).split(' ').first();
         startWith(state);
-        for (const int signal : qAsConst(sent))
+        for (const int signal : std::as_const(sent))
             send(signal);
         Rows expected = markedRows(7);
         if (state == "editor")

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -44,12 +45,12 @@ public:
         for (int i = 0; i < Pendrix3D::rowLength; ++i)
             add(pdx3.getParams()[i]);
         add(static_cast<quint32>(pdx3.nPoints));
-        for (const CurvePoint &point : qAsConst(pdx3.points)) {
+        for (const CurvePoint &point : std::as_const(pdx3.points)) {
             add(point.x);
             add(point.y);
             add(point.z);
         }
-        for (const QColor &color : qAsConst(pdx3.colors))
+        for (const QColor &color : std::as_const(pdx3.colors))
             add(color.rgba());
         for (const float value : {pdx3.t, pdx3.amplitude, pdx3.x, pdx3.y, pdx3.z})
             add(value);

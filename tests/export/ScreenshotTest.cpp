@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <utility>
 
 namespace {
 
@@ -116,7 +117,7 @@ private slots:
               lowestCorrelation, 100.0 * greatestPart);
         qInfo("a wrong rotation order fails in %d, a flipped axis in %d, a wrong field of view in %d", found.at(0),
               found.at(1), found.at(2));
-        for (const int count : qAsConst(found))
+        for (const int count : std::as_const(found))
             QVERIFY(count > 0);
     }
 };

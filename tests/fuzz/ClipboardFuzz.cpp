@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 namespace {
 
@@ -22,7 +23,7 @@ Rows pasted(QString text, Rows rows)
     int next = 0;
     QStringList lines = text.replace('\r', '\n').split('\n');
     lines.removeAll(QString());
-    for (const QString &line : qAsConst(lines)) {
+    for (const QString &line : std::as_const(lines)) {
         QStringList fields = line.split('\t');
         fields.removeAll(QString());
         if (fields.size() != Pendrix3D::rowLength)
