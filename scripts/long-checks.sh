@@ -22,6 +22,7 @@ check() {
     fuzz) configure_and_build fuzz && scripts/fuzz.sh "${FUZZ_SECONDS-1800}" ;;
     reproducible) scripts/reproducible-build.sh ;;
     every-build) scripts/every-build.sh ;;
+    compare-qt) scripts/compare-qt.sh ;;
     memcheck) scripts/memcheck.sh ;;
     web) scripts/web-checks.sh ;;
     recipes) scripts/recipes.sh ;;
@@ -40,7 +41,7 @@ run_exhaustive_tests() {
 
 . scripts/select-names.sh
 select_names "scripts/long-checks.sh [SECTION ...]" \
-  "exhaustive opengl-errors clang fuzz reproducible every-build memcheck web recipes fresh-systems" "$@"
+  "exhaustive opengl-errors clang fuzz reproducible every-build compare-qt memcheck web recipes fresh-systems" "$@"
 
 . scripts/packages.sh
 install_missing "${to_build[@]}" "${to_test[@]}" "${to_check[@]}"
