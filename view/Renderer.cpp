@@ -5,6 +5,8 @@
 #include "view/Camera.h"
 
 #include <QMouseEvent>
+#include <QOpenGLContext>
+#include <QOpenGLFunctions>
 #include <QTimer>
 #include <QtMath>
 #include <qopengl.h>
@@ -125,7 +127,12 @@ void Renderer::resizeGL(int w, int h)
 
 void Renderer::paintGL()
 {
-    // No glClear: QOpenGLWidget clears each frame with the clear colour.
+    // No glClear: QOpenGLWidget of Qt 5 clears each frame with the clear colour.
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    // That of Qt 6 may discard the frame without clearing it: with some drivers, the previous one remains.
+    if (const QOpenGLContext *current = QOpenGLContext::currentContext())
+        current->functions()->glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+#endif
     if (applyView) {
         glClearColor(0.0F, 0.0F, 0.0F, 1.0F);
         glLoadIdentity();
