@@ -232,7 +232,7 @@ bool writeSettings(QIODevice &file, const QSettings::SettingsMap &values)
         else if (remaining.contains(entry.key)) // drops entries without a value and second entries of a key
             result += encoded(entry.key, remaining.take(entry.key));
     }
-    result.append(copied, static_cast<int>(text.constEnd() - copied));
+    result.append(copied, static_cast<int>(text.constData() + text.size() - copied));
     QByteArray added;
     for (auto it = remaining.cbegin(); it != remaining.cend(); ++it)
         added += '\n' + encoded(it.key(), it.value());
