@@ -14,6 +14,8 @@ function(pendrix_target target)
     CXX_STANDARD_REQUIRED ON
     CXX_EXTENSIONS OFF
     POSITION_INDEPENDENT_CODE ON)
+  # No warnings of what later versions of Qt deprecate.
+  target_compile_definitions(${target} PRIVATE QT_WARN_DEPRECATED_UP_TO=0x060400)
 
   if(PENDRIX_MAPS_FILE_NAMES)
     # Reproducible builds: no absolute paths, except in debug builds, where the debugger needs them.

@@ -279,7 +279,7 @@ private slots:
 #endif
         const QByteArray end = start.isEmpty() ? "" : ")\n";
         const FilledFolder folder;
-        QVERIFY(folder.write(start + unit.repeated(unitsIn64Mebibytes(unit.size())) + end));
+        QVERIFY(folder.write(start + unit.repeated(unitsIn64Mebibytes(static_cast<int>(unit.size()))) + end));
         QCOMPARE(statusOfChild([mebibytes] {
                      const rlimit limit = {static_cast<rlim_t>(mebibytes) << 20U, RLIM_INFINITY};
                      return setrlimit(RLIMIT_AS, &limit) == 0 && save(2);

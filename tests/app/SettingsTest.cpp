@@ -10,7 +10,9 @@
 #include "ui_MainWindow.h"
 
 #include <QHeaderView>
+#include <QLibraryInfo>
 #include <QScreen>
+#include <QVersionNumber>
 
 #include <cstdio>
 #include <limits>
@@ -38,6 +40,14 @@ struct Geometry
                streamed(current);
     }
 };
+
+/// Returns the most memory that the process has had, in KiB.
+long mostMemory()
+{
+    rusage usage = {};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
 
 QByteArray byteArrayLine(const QByteArray &key, const QByteArray &bytes)
 {
@@ -252,7 +262,10 @@ private slots:
         row("no width", {100, 120, 0, 200}, {{100, 120}, form});
         row("negative height", {100, 120, 300, -7}, {{100, 120}, form});
         const int low = std::numeric_limits<int>::min();
-        row("lowest coordinates", QRect(QPoint(low, low), QPoint(low + 5, low + 5)), {0, 20, 6, 6});
+        // The calculation of some versions of Qt overflows.
+        const QVersionNumber qt = QLibraryInfo::version();
+        const int width = qt >= QVersionNumber(6) && qt < QVersionNumber(6, 5) ? 1280 : 6;
+        row("lowest coordinates", QRect(QPoint(low, low), QPoint(low + 5, low + 5)), {0, 20, width, 6});
         row("lowest to highest", QRect(QPoint(low + 200, 30), QPoint(200, -(low + 1))), {{0, 20}, form});
 
         Geometry wide;
@@ -283,10 +296,16 @@ private slots:
         QFETCH(QRect, expected);
         QCOMPARE(QGuiApplication::primaryScreen()->availableGeometry(), QRect(0, 0, 1280, 1024));
         const auto window = windowWith("[General]\n" + byteArrayLine("geometry", bytes));
-        if (expected.isNull())
+        const QRect restored = window->isMaximized() ? window->normalGeometry() : window->geometry();
+        if (expected.isNull()) {
             QCOMPARE(window->size(), QSize(701, 605));
-        else
-            QCOMPARE(window->isMaximized() ? window->normalGeometry() : window->geometry(), expected);
+        } else if (QLibraryInfo::version() < QVersionNumber(6, 5)) {
+            QCOMPARE(restored, expected);
+        } else { // Qt moves the whole window, with an assumed frame, onto the screen
+            QVERIFY2(QRect(0, 20, 1280, 1024).contains(restored), QTest::toString(restored));
+            QVERIFY(restored.width() >= qMin(expected.width(), 1278) &&
+                    restored.height() >= qMin(expected.height(), 998));
+        }
     }
 
     void damagedGeometryIsRestoredOnScreenInLittleMemory()
@@ -304,6 +323,13 @@ private slots:
             while (damaged.last().size() < good.size())
                 damaged.last() += static_cast<char>(random() % 2 == 0 ? good.at(damaged.last().size()) : random());
         }
+        // The memory of a process with a window depends on Qt and on the OpenGL driver.
+        {
+            const auto window = windowWith({});
+            window->show();
+            QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+        }
+        [[maybe_unused]] const long before = mostMemory();
         int count = 0;
         for (const QByteArray &bytes : std::as_const(damaged)) {
             const auto window = windowWith("[General]\n" + byteArrayLine("geometry", bytes));
@@ -319,9 +345,7 @@ private slots:
             QVERIFY2(screen.width() >= window->width() && screen.height() >= window->height(), bytes.toHex());
         }
 #ifndef PENDRIX_ADDRESS_SANITIZER
-        rusage usage = {};
-        QVERIFY(getrusage(RUSAGE_SELF, &usage) == 0);
-        QVERIFY2(usage.ru_maxrss < 200 * 1024, QByteArray::number(static_cast<int>(usage.ru_maxrss)));
+        QVERIFY2(mostMemory() - before < 100 * 1024, QByteArray::number(static_cast<int>(mostMemory() - before)));
 #endif
     }
 

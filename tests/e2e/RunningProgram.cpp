@@ -44,7 +44,15 @@ int RunningProgram::exitCode()
         process.exitStatus() != QProcess::NormalExit)
         return -1;
     QByteArray messages;
-    const QList<QByteArray> lines = (process.readAllStandardError() + process.readAllStandardOutput()).split('\n');
+    // Qt 6 prints this if the encoding is not UTF-8, for example because the system lacks the locale.
+    static const QRegularExpression otherEncoding(QStringLiteral("^Detected locale (?s:.*)\nfor more information\\.$"),
+                                                  QRegularExpression::MultilineOption);
+    // Qt 6.11 prints this for the range of Model::refresh, which ends at an invalid index on purpose.
+    static const QRegularExpression invalidRange(
+        QStringLiteral("^dataChanged\\(\\) called with an invalid index range:\\n.*\\n.*$"),
+        QRegularExpression::MultilineOption);
+    const QString output = QString::fromUtf8(process.readAllStandardError() + process.readAllStandardOutput());
+    const QList<QByteArray> lines = QString(output).remove(otherEncoding).remove(invalidRange).toUtf8().split('\n');
     for (const QByteArray &line : lines) {
         // Qt prints this if the window manager reports the position of a dialog that is already closed.
         if (!line.startsWith("qt.qpa.xcb: QXcbConnection: XCB error: 3 (BadWindow)") ||
