@@ -32,7 +32,8 @@ bool isUsableWindowState(const QByteArray &state)
     static const QRegularExpression pattern(QRegularExpression::anchoredPattern(
         "000000ff00000000fd00000002"                                         // version 0, two dock areas:
         "00000000.{16}fc0[12]00000001fb"                                     // left, its size; one dock:
-        "000000140064006f0063006b0050006100720061006d00730[01].{32}"         // "dockParams", its visibility, sizes
+        "000000140064006f0063006b0050006100720061006d00730[018].{32}"        // "dockParams", visible or not (8: closed,
+                                                                             // from Qt 6.11 on), sizes
         "00000001.{16}fc0[12]00000001fb"                                     // right, its size; one dock:
         "000000140064006f0063006b00570069006400670065007401.{32}"            // "dockWidget", visible, sizes
         ".{16}(0000000[1-8]){4}"                                             // size of the centre, corners

@@ -181,6 +181,21 @@ private slots:
         }
     }
 
+    void closedTableOfQt611StaysClosed()
+    {
+        QByteArray state;
+        {
+            const MainWindow window;
+            window.ui->dockParams->hide();
+            state = window.saveState();
+        }
+        const QByteArray name("d\0o\0c\0k\0P\0a\0r\0a\0m\0s", 19);
+        QVERIFY(state.contains(name + '\0'));
+        state.replace(name + '\0', name + '\x08');
+        const auto window = windowWith("[General]\n" + byteArrayLine("windowState", state));
+        QVERIFY(window->ui->dockParams->isHidden());
+    }
+
     void floatingToolbarIsRestoredWithSizeOfItsContents()
     {
         {
