@@ -78,12 +78,12 @@ QVector<int> segmentsByDepth(const Drawing &drawing)
 bool leavesPage(const Drawing &drawing, const Page &page)
 {
     const double radius = page.lineWidth / 2.0 - 1e-9 * page.height; // less rounding errors
-    const QRectF box = drawing.box();
-    return box.left() < radius || box.top() < radius || box.right() > page.width - radius ||
-           box.bottom() > page.height - radius;
+    const QRectF bounds = drawing.bounds();
+    return bounds.left() < radius || bounds.top() < radius || bounds.right() > page.width - radius ||
+           bounds.bottom() > page.height - radius;
 }
 
-Page::Fit fitOf(const QRectF &box, const Page &page, double margin)
+Page::Fit fitOf(const QRectF &bounds, const Page &page, double margin)
 {
     // A line along the viewing direction is a point but for rounding errors.
     const double smallest = 1e-9 * page.height;
@@ -91,7 +91,8 @@ Page::Fit fitOf(const QRectF &box, const Page &page, double margin)
         return length > smallest ? (side - 2.0 * margin - page.lineWidth) / length
                                  : std::numeric_limits<double>::infinity();
     };
-    const double least = std::min(scale(box.width(), page.width), scale(box.height(), page.height));
+    const double least = std::min(scale(bounds.width(), page.width), scale(bounds.height(), page.height));
     const double factor = std::isfinite(least) ? least : 1.0;
-    return {factor, (page.width / 2.0 - box.center().x()) * factor, (page.height / 2.0 - box.center().y()) * factor};
+    return {factor, (page.width / 2.0 - bounds.center().x()) * factor,
+            (page.height / 2.0 - bounds.center().y()) * factor};
 }

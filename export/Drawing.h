@@ -24,7 +24,7 @@ struct Drawing
     QPainterPath path(int first, int last) const;
 
     /// Returns the smallest rectangle around the curve, without the width of the line.
-    QRectF box() const { return path(0, segmentCount()).boundingRect(); }
+    QRectF bounds() const { return path(0, segmentCount()).boundingRect(); }
 };
 
 /// Returns `curve`, which must be finite, on `page`. A smooth drawing has the curve's derivative at every vertex.
@@ -33,9 +33,9 @@ Drawing drawingOf(const Curve &curve, const Page &page);
 /// Returns whether a part of the line of `drawing` is beyond `page`.
 bool leavesPage(const Drawing &drawing, const Page &page);
 
-/// Returns the scale and the displacement at which a drawing with the box `box`, without the width of its line, fills
+/// Returns the scale and the displacement at which a drawing with `bounds`, without the width of its line, fills
 /// `page` up to `margin`, centred. The line must fit between the margins. A point is only centred.
-Page::Fit fitOf(const QRectF &box, const Page &page, double margin);
+Page::Fit fitOf(const QRectF &bounds, const Page &page, double margin);
 
 /// Calls `draw(first, last, color)` for the parts of `drawing` in the order of `page`, with the indices of their first
 /// and last vertex: along the curve for each run of segments of one colour, or for each segment from far to near.

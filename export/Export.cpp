@@ -174,9 +174,9 @@ private:
 
     Page pageOfFrame(int index) const
     {
-        Page turned = page;
-        turned.turn = options.turnOfFrame(index);
-        return turned;
+        Page rotated = page;
+        rotated.turn = options.turnOfFrame(index);
+        return rotated;
     }
 
     /// Computes the next frame. Not re-entrant, because the engine is global.
@@ -187,22 +187,24 @@ private:
         return frame;
     }
 
-    /// Returns the box around the drawings of all frames on the page without fit.
+    /// Returns the bounds of the drawings of all frames on the page without fit.
     QRectF boxOfAllFrames()
     {
         const QVector<float> firstRow = nextRow;
-        QRectF box;
+        QRectF bounds;
         for (int i = 0; i < std::max(options.frameCount, 1); ++i) {
             const Frame frame = nextFrame();
-            const QRectF one = drawingOf(frame.curve, pageOfFrame(frame.index)).box();
+            const QRectF one = drawingOf(frame.curve, pageOfFrame(frame.index)).bounds();
             // Unlike QRectF::united, also for boxes without area.
-            box = i == 0 ? one
-                         : QRectF(QPointF(std::min(box.left(), one.left()), std::min(box.top(), one.top())),
-                                  QPointF(std::max(box.right(), one.right()), std::max(box.bottom(), one.bottom())));
+            bounds =
+                i == 0
+                    ? one
+                    : QRectF(QPointF(std::min(bounds.left(), one.left()), std::min(bounds.top(), one.top())),
+                             QPointF(std::max(bounds.right(), one.right()), std::max(bounds.bottom(), one.bottom())));
         }
         nextRow = firstRow;
         frameIndex = 0;
-        return box;
+        return bounds;
     }
 
     /// Returns the content of the file of `frame`. Thread-safe.

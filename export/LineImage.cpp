@@ -18,11 +18,11 @@ namespace {
 constexpr int scale = 4; ///< samples per pixel in each direction
 
 /// Tiles have at most `largestTile` pixels a side. Tiles of more than `smallestTile` are divided while lines would fill
-/// them more than `mostFills` times. Measured at 1600x1600: every width takes less than five times the time of the
+/// them more than `maxFills` times. Measured at 1600x1600: every width takes less than five times the time of the
 /// default width.
 constexpr int largestTile = 256;
 constexpr int smallestTile = 32;
-constexpr double mostFills = 30.0;
+constexpr double maxFills = 30.0;
 
 /// A straight piece of the curve of one colour.
 struct Piece
@@ -127,7 +127,7 @@ public:
         if (visible.empty())
             return;
         const int side = std::max(tile.width(), tile.height());
-        if (side > largestTile || (side > smallestTile && area > mostFills * tile.width() * tile.height())) {
+        if (side > largestTile || (side > smallestTile && area > maxFills * tile.width() * tile.height())) {
             const int width = (tile.width() + 1) / 2;
             const int height = (tile.height() + 1) / 2;
             for (const int y : {0, height}) {

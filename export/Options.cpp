@@ -12,9 +12,9 @@
 
 namespace {
 
-constexpr int mostFrames = 99999;
-constexpr int mostPixels = 16384;
-constexpr double mostMillimetres = 5000.0;
+constexpr int maxFrames = 99999;
+constexpr int maxPixels = 16384;
+constexpr double maxMillimetres = 5000.0;
 constexpr double millimetresPerInch = 25.4;
 
 /// Shorter side of A0 to A6 in millimetres, by size, followed by the longer side of A0. The longer side of a size is
@@ -32,7 +32,7 @@ struct Option
     const char *expected; ///< valid values; null for whole numbers from `first` to `last`
     int first = 0;
     int last = 0;
-    const char *byDefault = nullptr;
+    const char *defaultValue = nullptr;
     unsigned features = 0; ///< of the formats that the option concerns; 0 for all
     Needs needs = Needs::Nothing;
 };
@@ -47,7 +47,7 @@ const Option optionTable[] = {
     {"rows", "FILE", "Text file with rows as the application copies them", "a file name, or - for standard input"},
     {"values", "F1,F2,F3,P1,P2,C", "Parameter row", "three frequencies, two phases and the colour mode"},
     {"frame", "N", "Frame of the animation", nullptr, 0, 1000000, "0"},
-    {"frames", "N", "Number of files name-00001.ext, name-00002.ext, ...", nullptr, 1, mostFrames, "one file FILE"},
+    {"frames", "N", "Number of files name-00001.ext, name-00002.ext, ...", nullptr, 1, maxFrames, "one file FILE"},
     {"frame-step", "N", "Frames of the animation from file to file", nullptr, 0, 1000, "1", 0, Needs::Frames},
     {"turn", "X,Y,Z", "Rotation about x, y and z", angles, 0, 0, "0,0,0", Picture},
     {"turn-step", "X,Y,Z", "Rotation added from file to file", angles, 0, 0, "0,0,0", Picture, Needs::Frames},
@@ -164,8 +164,8 @@ public:
             if (!expected.isEmpty())
                 help += QStringLiteral(": ") + expected;
             help += QLatin1Char('.');
-            if (option.byDefault != nullptr)
-                help += QStringLiteral(" Default: %1.").arg(QLatin1String(option.byDefault));
+            if (option.defaultValue != nullptr)
+                help += QStringLiteral(" Default: %1.").arg(QLatin1String(option.defaultValue));
             if (option.features != 0)
                 help += QStringLiteral(" Only for %1.").arg(formatNames(option.features));
             parser.addOption({QLatin1String(option.name), help, QLatin1String(option.value)});
@@ -201,11 +201,12 @@ public:
         }
     }
 
-    /// Returns the number of the option `name`, or `byDefault` without it. Throws unless it is in the option's range.
-    int number(const char *name, int byDefault) const
+    /// Returns the number of the option `name`, or `defaultValue` without it. Throws unless it is in the option's
+    /// range.
+    int number(const char *name, int defaultValue) const
     {
         if (!isSet(name))
-            return byDefault;
+            return defaultValue;
         const Option &option = optionOf(name);
         const auto number = wholeNumber(value(name), option.first, option.last);
         if (!number)
@@ -213,11 +214,11 @@ public:
         return *number;
     }
 
-    /// Returns the colour of the option `name`, or `byDefault` without it.
-    QColor color(const char *name, const QColor &byDefault) const
+    /// Returns the colour of the option `name`, or `defaultValue` without it.
+    QColor color(const char *name, const QColor &defaultValue) const
     {
         if (!isSet(name))
-            return byDefault;
+            return defaultValue;
         const auto color = colorOf(value(name));
         if (!color)
             throw wrongValue(name, value(name));
@@ -289,9 +290,9 @@ std::optional<Size> sizeOf(const QString &text, bool inPixels)
     const QStringList parts = text.left(text.size() - (hasUnit ? 2 : 0)).split(QLatin1Char('x'));
     const auto length = [isInPixels](const QString &part) -> std::optional<double> {
         if (isInPixels)
-            return wholeNumber(part, 1, mostPixels);
+            return wholeNumber(part, 1, maxPixels);
         const auto number = decimalNumber(part);
-        return number && *number >= 1.0 && *number <= mostMillimetres ? number : std::nullopt;
+        return number && *number >= 1.0 && *number <= maxMillimetres ? number : std::nullopt;
     };
     const auto width = length(parts.value(0));
     const auto height = length(parts.value(1));
@@ -323,11 +324,11 @@ void setPage(Options &options, const CommandLine &line)
         page.dotsPerMillimetre = perUnit;
         page.width = std::max(std::round(size->width * perUnit), 1.0);
         page.height = std::max(std::round(size->height * perUnit), 1.0);
-        if (page.width > mostPixels || page.height > mostPixels)
+        if (page.width > maxPixels || page.height > maxPixels)
             throw wrongUsage(QStringLiteral("invalid value of --size"),
                              QStringLiteral("%1: expected at most %2 pixels, not %3x%4 at --dpi %5")
                                  .arg(sizeText)
-                                 .arg(mostPixels)
+                                 .arg(maxPixels)
                                  .arg(page.width)
                                  .arg(page.height)
                                  .arg(dpi));
@@ -336,7 +337,7 @@ void setPage(Options &options, const CommandLine &line)
     double lineWidth = size->isInPixels ? std::max(page.height / 500.0, 1.0) : 0.2;
     if (line.isSet("line-width")) {
         const auto width = decimalNumber(line.value("line-width"));
-        if (!width || *width <= 0.0 || *width > (size->isInPixels ? mostPixels : mostMillimetres))
+        if (!width || *width <= 0.0 || *width > (size->isInPixels ? maxPixels : maxMillimetres))
             throw wrongValue("line-width", line.value("line-width"));
         lineWidth = *width;
     }

@@ -44,7 +44,7 @@ bool canContinue(std::FILE *file)
 /// QFile makes standard input non-blocking and takes a pause of a pipe for its end.
 QString textOfFile(const QString &path)
 {
-    constexpr int mostBytes = 256 << 20; // more than twice the largest clipboard text of the tests
+    constexpr int maxBytes = 256 << 20; // an endless file or pipe must not exhaust the memory
     const auto unreadable = [&path] {
         return failure(QStringLiteral("cannot read rows"), path + QStringLiteral(": ") + qt_error_string(errno));
     };
@@ -55,7 +55,7 @@ QString textOfFile(const QString &path)
         throw unreadable();
     QByteArray bytes;
     char part[65536];
-    while (bytes.size() <= mostBytes) {
+    while (bytes.size() <= maxBytes) {
         const std::size_t length = std::fread(part, 1, sizeof part, file.get());
         bytes.append(part, static_cast<int>(length));
         if (length == sizeof part)

@@ -9,8 +9,8 @@
 /// A comparison of two images of one size.
 struct ImageComparison
 {
-    double correlation;   ///< of the means of boxes of 6 by 6 pixels, over all channels
-    double differingPart; ///< part of the pixels whose box of 5 by 5 differs by more than a quarter in a channel
+    double correlation;   ///< of the means of squares of 6 by 6 pixels, over all channels
+    double differingPart; ///< part of the pixels whose square of 5 by 5 differs by more than a quarter in a channel
 
     bool isAlike() const { return correlation >= 0.95 && differingPart <= 0.02; }
 };
@@ -31,7 +31,7 @@ public:
         }
     }
 
-    /// Returns the mean of the box of `size` by `size` pixels with its upper left one at `x`, `y`.
+    /// Returns the mean of the square of `size` by `size` pixels with its upper left one at `x`, `y`.
     double mean(int x, int y, int size)
     {
         return double(at(x + size, y + size) - at(x, y + size) - at(x + size, y) + at(x, y)) / (size * size);

@@ -15,20 +15,20 @@ namespace {
 /// Returns the smallest rectangle around the pixels of `image` that differ from the background, black.
 QRect drawnBox(const QImage &image)
 {
-    QRect box;
+    QRect bounds;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
             if (image.pixel(x, y) != 0xFF000000U)
-                box |= QRect(x, y, 1, 1);
+                bounds |= QRect(x, y, 1, 1);
         }
     }
-    return box;
+    return bounds;
 }
 
 /// Returns `page` with the fit of `curve` to `margin`.
 Page fitted(const Curve &curve, Page page, double margin)
 {
-    page.fit = fitOf(drawingOf(curve, page).box(), page, margin);
+    page.fit = fitOf(drawingOf(curve, page).bounds(), page, margin);
     return page;
 }
 
@@ -66,19 +66,19 @@ private slots:
         const Drawing drawing = drawingOf(curve, fit);
         QVERIFY(!leavesPage(drawing, fit));
 
-        // The box is centred, and as wide or as high as possible.
+        // The drawing is centred, and as wide or as high as possible.
         const QRectF inner(margin, margin, page.width - 2.0 * margin, page.height - 2.0 * margin);
-        const auto isCentred = [](const QRectF &box, const QRectF &around, double tolerance) {
-            const double left = box.left() - around.left();
-            const double right = around.right() - box.right();
-            const double top = box.top() - around.top();
-            const double bottom = around.bottom() - box.bottom();
+        const auto isCentred = [](const QRectF &bounds, const QRectF &around, double tolerance) {
+            const double left = bounds.left() - around.left();
+            const double right = around.right() - bounds.right();
+            const double top = bounds.top() - around.top();
+            const double bottom = around.bottom() - bounds.bottom();
             return std::abs(left - right) <= 2.0 * tolerance && std::abs(top - bottom) <= 2.0 * tolerance &&
                    std::min({left, right, top, bottom}) >= -tolerance && std::min(left, top) <= tolerance;
         };
         const double radius = page.lineWidth / 2.0;
-        // The path's own box: for lengths in millimetres.
-        QVERIFY(isCentred(drawing.box().adjusted(-radius, -radius, radius, radius), inner, 0.05));
+        // The path's own bounds: for lengths in millimetres.
+        QVERIFY(isCentred(drawing.bounds().adjusted(-radius, -radius, radius, radius), inner, 0.05));
         const QRect pixels = drawnBox(imageOf(drawing, fit));
         QVERIFY2(isCentred(pixels, inner, 1.0),
                  qPrintable(
@@ -107,7 +107,7 @@ private slots:
         }
         // Seen from the side, it has a length and no width.
         const Page fromSide = fitted(line, Page{300.0, 200.0, 4.0, Qt::black, {0, 90 * 16, 0}}, 10.0);
-        QVERIFY(std::abs(drawingOf(line, fromSide).box().width() - 276.0) < 1e-6);
+        QVERIFY(std::abs(drawingOf(line, fromSide).bounds().width() - 276.0) < 1e-6);
     }
 };
 

@@ -120,11 +120,11 @@ private slots:
 
     void imageInMillimetresHasPixelsOfResolution()
     {
-        const Page byDefault = parse({"--size=100x50.5mm", "a.png"}).page;
-        QCOMPARE(byDefault.width, 1181.0); // 100 / 25.4 * 300 = 1181.1
-        QCOMPARE(byDefault.height, 596.0); // 596.5, rounded down from 596.46
-        QCOMPARE(byDefault.lineWidth, 0.2 / 25.4 * 300.0);
-        QCOMPARE(byDefault.dotsPerMillimetre, 300.0 / 25.4);
+        const Page defaults = parse({"--size=100x50.5mm", "a.png"}).page;
+        QCOMPARE(defaults.width, 1181.0); // 100 / 25.4 * 300 = 1181.1
+        QCOMPARE(defaults.height, 596.0); // 596.5, rounded down from 596.46
+        QCOMPARE(defaults.lineWidth, 0.2 / 25.4 * 300.0);
+        QCOMPARE(defaults.dotsPerMillimetre, 300.0 / 25.4);
         const Options fine = parse({"--size=20x10mm", "--dpi=2400", "--line-width=1", "--margin=2", "a.png"});
         QCOMPARE(fine.page.width, 1890.0);
         QCOMPARE(fine.page.lineWidth, 2400.0 / 25.4);
