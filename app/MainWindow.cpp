@@ -57,7 +57,8 @@ void restoreOnScreen(QWidget &window, const QByteArray &geometry)
     QRect rect = window.geometry() & QRect(-99999, -99999, 199999, 199999);
     const QSize desktop = QGuiApplication::primaryScreen()->availableVirtualSize();
     rect.setSize((rect.isEmpty() ? formSize : rect.size()).boundedTo(desktop));
-    // Returns -1 if half of a title bar 20 pixels high is on the screen, 40 pixels wide.
+    // Returns -1 if at least 40 by 10 pixels of the title bar, which is 20 pixels high, are on the screen, else the
+    // distance of the centres.
     const auto distance = [&rect](const QScreen *screen) {
         const QRect area = screen->availableGeometry();
         const bool canGrab = area.adjusted(41 - rect.width(), 10, -40, 10).contains(rect.topLeft());

@@ -47,7 +47,8 @@ bool canOpen(const QString &path)
     return errno == ENOENT || errno == ENOTDIR;
 }
 
-/// Returns the folder of QSettings' native files. Opens none of the program's: uses another organisation name.
+/// Returns the folder of QSettings' native files. Uses another organisation name, so that none of the program's
+/// files is opened.
 QString nativeFolder(QSettings::Scope scope)
 {
     const QSettings neighbour(scope, QStringLiteral("quillmoss-neighbour"), QStringLiteral("pdx3"));
@@ -81,9 +82,9 @@ std::unique_ptr<QSettings> openSettings()
     if (!folders.contains(systemFolder))
         QSettings::setPath(format, QSettings::SystemScope, systemFolder);
     folders << folder << systemFolder;
-    for (const QString &place : std::as_const(folders)) {
-        if (!canOpen(place + QStringLiteral("/quillmoss.conf")) ||
-            !canOpen(place + QStringLiteral("/quillmoss/pdx3.conf")))
+    for (const QString &configFolder : std::as_const(folders)) {
+        if (!canOpen(configFolder + QStringLiteral("/quillmoss.conf")) ||
+            !canOpen(configFolder + QStringLiteral("/quillmoss/pdx3.conf")))
             return settings; // without fallback files
     }
     return std::make_unique<QSettings>(format, QSettings::UserScope, organization, application);

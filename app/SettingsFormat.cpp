@@ -137,7 +137,7 @@ QByteArray encoded(const QString &key, const QVariant &value)
     return key.toLatin1() + '=' + escaped((isVariant ? "@Variant(" : "@ByteArray(") + bytes + ')');
 }
 
-/// One of our entries in the text of a settings file, or, with a null key, the end of a [General] line.
+/// One of the program's entries in the text of a settings file, or, with a null key, the end of a [General] line.
 struct Entry
 {
     const char *key;
@@ -157,7 +157,8 @@ std::string_view withoutComment(std::string_view line)
     return line.substr(0, end);
 }
 
-/// Returns our entries in `text`, as parts of it. As in QSettings, those before the first section belong to [General].
+/// Returns the program's entries in `text`, as parts of it. As in QSettings, those before the first section belong to
+/// [General].
 ///
 /// An entry ends with its line. QSettings continues an entry after a quoted or escaped line end. It never writes one,
 /// but with that rule, a damaged quote or backslash would hide the entries of other lines.

@@ -3,8 +3,8 @@
 #include <QSettings>
 
 // A reader and a writer for QSettings::registerFormat. Their format is that of QSettings' native text files, limited to
-// four keys in [General] with one type and one line each. QSettings' own parser can crash or hang on damaged values of
-// other types.
+// the keys of SettingsKey in [General], with one type and one line each. QSettings' own parser can crash or hang on
+// damaged values of other types.
 
 namespace SettingsKey {
 constexpr auto colsWidth = "colsWidth";

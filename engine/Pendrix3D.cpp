@@ -1,6 +1,7 @@
 #include "engine/Pendrix3D.h"
 
 #include "color/ColorScale.h"
+#include "engine/Advance.h"
 #include "engine/DampedSine.h"
 #include "engine/PaletteIndex.h"
 #include "engine/Recurrence.h"
@@ -38,12 +39,6 @@ constexpr float presetTable[Pendrix3D::presetCount][Pendrix3D::rowLength] = {
     {   6.0F, -3.0F,   2.0F,  0.21F,   0.3F,  0.0F},
 };
 // clang-format on
-
-/// Returns the sum of `value` and `step`, added in double and rounded to float.
-float advanced(float value, double step)
-{
-    return static_cast<float>(static_cast<double>(value) + step);
-}
 
 } // namespace
 

@@ -20,7 +20,7 @@ Q_DECLARE_TYPEINFO(CurvePoint, Q_PRIMITIVE_TYPE);
 /// computed curve. The program has one engine, the global `pdx3`, and uses it on the GUI thread only.
 ///
 /// A *parameter row* is six floats: freq1, freq2, freq3, phase1, phase2, color. The cross-over is intended: freq1
-/// drives y and freq2 drives x. Phases are in turns. The last value is the colour mode, 0 to 4. A row may hold any
+/// drives y and freq2 drives x. Phases are in turns. The last value is the colour mode. A row may hold any
 /// float; NaN and infinities propagate to the coordinates as in IEEE 754.
 ///
 /// Selecting a row copies it: later edits of the row change the curve only when the row is selected again.
@@ -89,8 +89,7 @@ public:
     void next(double dFreq1, double dFreq3);
 
     /// Computes the curve of the current parameters: `nPoints` points, and in `colors` the colour of each. Copies the
-    /// parameters to `params`. Stores the last point in `x`, `y`, `z`, `t`,
-    /// `amplitude`, `red`, `green` and `blue`.
+    /// parameters to `params`. Stores the last point in `x`, `y`, `z`, `t`, `amplitude`, `red`, `green` and `blue`.
     ///
     /// The number of points is int(total / step), or 0 if the quotient is NaN or does not fit an int. Both lists keep
     /// their storage, so that a pass allocates nothing once they have grown.
@@ -128,7 +127,7 @@ public:
     int alpha = 0;
 
     /// The parameters of the last pass in row order, the colour mode as a float.
-    float params[6] = {};
+    float params[rowLength] = {};
     /// 2 pi as a float, bits 0x40C90FDB.
     float twoPi = 6.2831855F;
     /// Amplitude of the last computed point.
@@ -159,9 +158,14 @@ public:
     float total = 1.0F;
     /// Divisor of the radius in colour mode 2.
     float radiusScale = 1.0F;
-    /// What the palette position follows: 0 the position along the curve, 1 the depth at the start (z), 2 the distance
-    /// from the centre, 3 the time, one sweep per 2 pi, 4 the time, eight sweeps per 2 pi. Any other mode selects entry
-    /// 0.
+    /// What the palette position follows:
+    /// - 0: the position along the curve
+    /// - 1: the depth at the start (z)
+    /// - 2: the distance from the centre
+    /// - 3: the time, one sweep per 2 pi
+    /// - 4: the time, eight sweeps per 2 pi
+    ///
+    /// Any other mode selects entry 0.
     int colorMode = 1;
 
     /// The twelve built-in rows; constant after construction.
@@ -181,8 +185,8 @@ private:
     static constexpr int blockLength = 256;
 
     /// Computes `count` points (1 to blockLength) from point `first` on into `point`, and their palette indices into
-    /// `indices`. Advances `t` and `amplitude`. Stores the last point in `x`, `y`, `z`,
-    /// `red`, `green` and `blue`.
+    /// `indices`. Advances `t` and `amplitude`. Stores the last point in `x`, `y`, `z`, `red`,
+    /// `green` and `blue`.
     void calcBlock(int first, int count, CurvePoint *point, int *indices);
 
     /// The palette of the current pass as QColor. A pass constructs these colours and the points' colours in place:

@@ -3,8 +3,8 @@
 // A sine for vectorised loops. Only for files that are compiled for one instruction set each: this header includes
 // nothing, so that no inline function compiled for one processor ends up in a program that runs on another.
 
-/// Returns the sine of `angle`, a float whose absolute value is at most 2^22. For other
-/// angles, the result is unspecified. Keeps the sign of a zero.
+/// Returns the sine of `angle`, a float whose absolute value is at most 2^22. For other angles, the
+/// result is unspecified. Keeps the sign of a zero.
 ///
 /// The relative error is less than 1.75 * 2^-36, with or without fused multiply-add. SineErrorBenchmark measures it for
 /// each of these floats.

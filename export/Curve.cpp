@@ -1,18 +1,10 @@
 #include "export/Curve.h"
 
+#include "engine/Advance.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
-
-namespace {
-
-/// Returns `value` plus `step` as the engine adds them: in double, rounded to float.
-float advanced(float value, double step)
-{
-    return static_cast<float>(static_cast<double>(value) + step);
-}
-
-} // namespace
 
 void advance(QVector<float> &row, int frames)
 {

@@ -91,8 +91,8 @@ Page::Fit fitOf(const QRectF &bounds, const Page &page, double margin)
         return length > smallest ? (side - 2.0 * margin - page.lineWidth) / length
                                  : std::numeric_limits<double>::infinity();
     };
-    const double least = std::min(scale(bounds.width(), page.width), scale(bounds.height(), page.height));
-    const double factor = std::isfinite(least) ? least : 1.0;
+    const double minScale = std::min(scale(bounds.width(), page.width), scale(bounds.height(), page.height));
+    const double factor = std::isfinite(minScale) ? minScale : 1.0;
     return {factor, (page.width / 2.0 - bounds.center().x()) * factor,
             (page.height / 2.0 - bounds.center().y()) * factor};
 }

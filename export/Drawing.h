@@ -43,7 +43,7 @@ template <typename Draw>
 void forEachPart(const Drawing &drawing, const Page &page, Draw draw);
 
 /// The highest frequency of a smooth drawing: a quarter turn of the oscillator from point to point.
-constexpr double highestSmoothFrequency = 1.5707963267948966 / Pendrix3D::timeStep;
+constexpr double maxSmoothFrequency = 1.5707963267948966 / Pendrix3D::timeStep;
 
 /// Returns the segments of `drawing` from far to near. At equal nearness, the later segment is last.
 QVector<int> segmentsByDepth(const Drawing &drawing);

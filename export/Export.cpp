@@ -21,23 +21,18 @@
 
 namespace {
 
-ExportError failure(const QString &problem, const QString &detail)
-{
-    return {ExportError::failure, problem, detail};
-}
-
 /// Returns the curve of `row` in the colours of `options`. Throws if it cannot be exported.
 Curve exportableCurve(const QVector<float> &row, const Options &options)
 {
     if (options.page.isSmooth) {
         for (int i = 0; i < 3; ++i) {
             const double frequency = static_cast<double>(row.at(i));
-            if (std::abs(frequency) > highestSmoothFrequency)
+            if (std::abs(frequency) > maxSmoothFrequency)
                 throw failure(QStringLiteral("cannot use --smooth"),
                               QStringLiteral("freq%1 is %2: above %3, the figure is made of the straight lines")
                                   .arg(i + 1)
                                   .arg(frequency)
-                                  .arg(highestSmoothFrequency, 0, 'f', 1));
+                                  .arg(maxSmoothFrequency, 0, 'f', 1));
         }
     }
     Curve curve = curveOf(row);
@@ -64,7 +59,7 @@ void save(const QByteArray &content, const QString &path)
         throw failure(QStringLiteral("not a regular file"), path);
     QSaveFile file(target.filePath());
     bool isWritten = file.open(QIODevice::WriteOnly);
-    // After a part, write gives no reason why it stopped. The attempt to write the rest does.
+    // A short write sets no error string. The attempt to write the rest does.
     for (qint64 done = 0; isWritten && done < content.size();) {
         const qint64 part = file.write(content.constData() + done, content.size() - done);
         isWritten = part > 0;
@@ -114,7 +109,7 @@ public:
     {
         advance(nextRow, options.firstFrame);
         if (options.margin)
-            page.fit = fitOf(boxOfAllFrames(), page, *options.margin);
+            page.fit = fitOf(boundsOfAllFrames(), page, *options.margin);
     }
 
     void exportFile()
@@ -162,7 +157,7 @@ public:
             std::rethrow_exception(error);
     }
 
-    /// Returns whether an exported curve was not all on its page.
+    /// Returns whether an exported curve has left its page.
     bool leftPage() const { return isBeyondPage; }
 
 private:
@@ -188,14 +183,14 @@ private:
     }
 
     /// Returns the bounds of the drawings of all frames on the page without fit.
-    QRectF boxOfAllFrames()
+    QRectF boundsOfAllFrames()
     {
         const QVector<float> firstRow = nextRow;
         QRectF bounds;
         for (int i = 0; i < std::max(options.frameCount, 1); ++i) {
             const Frame frame = nextFrame();
             const QRectF one = drawingOf(frame.curve, pageOfFrame(frame.index)).bounds();
-            // Unlike QRectF::united, also for boxes without area.
+            // Unlike QRectF::united, also for rectangles without area.
             bounds =
                 i == 0
                     ? one
@@ -230,17 +225,17 @@ private:
     {
         const bool isImage = (options.format->features & Pixels) != 0;
         const double imageSize = isImage ? page.width * page.height * 4.0 : 1.0;
-        const double most = std::max((1 << 30) / imageSize, 1.0);
+        const double maxThreads = std::max((1 << 30) / imageSize, 1.0);
         return static_cast<int>(std::min(
-            {static_cast<double>(QThread::idealThreadCount()), most, static_cast<double>(options.frameCount)}));
+            {static_cast<double>(QThread::idealThreadCount()), maxThreads, static_cast<double>(options.frameCount)}));
     }
 
     const Options &options;
     Page page = options.page;
-    std::mutex mutex;          ///< of what follows
+    std::mutex mutex;          ///< protects the members below
     QVector<float> nextRow;    ///< of the frame `frameIndex`
     int frameIndex = 0;        ///< of the next frame
-    bool isBeyondPage = false; ///< for a curve so far
+    bool isBeyondPage = false; ///< whether a curve has left its page
 };
 
 } // namespace

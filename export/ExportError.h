@@ -16,3 +16,15 @@ struct ExportError
     QString problem;
     QString detail;
 };
+
+/// Returns an error in a file, a curve or the output.
+inline ExportError failure(const QString &problem, const QString &detail)
+{
+    return {ExportError::failure, problem, detail};
+}
+
+/// Returns an error in the command line.
+inline ExportError wrongUsage(const QString &problem, const QString &detail)
+{
+    return {ExportError::wrongUsage, problem, detail};
+}

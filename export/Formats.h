@@ -4,9 +4,7 @@
 
 #include <QString>
 
-#include <array>
-
-// The formats. To add one, add a row to `formats` and a writer.
+// The formats. To add one, see "Where to add things" in docs/ARCHITECTURE.md.
 
 /// What a format offers; bits. An option concerns the formats with one of its features.
 enum Feature : unsigned {
@@ -24,14 +22,14 @@ struct Format
     QByteArray (*list)(const Curve &);
 };
 
-constexpr std::array<Format, 6> formats = {{
+constexpr Format formats[] = {
     {"png", Picture | Pixels, pngOf, nullptr},
     {"svg", Picture | Paths, svgOf, nullptr},
     {"pdf", Picture | Paths, pdfOf, nullptr},
     {"ply", 0, nullptr, plyOf},
     {"csv", 0, nullptr, csvOf},
     {"glb", 0, nullptr, glbOf},
-}};
+};
 
 /// Returns the format named `name` in any case, null for an unknown name.
 const Format *formatOf(const QString &name);

@@ -102,7 +102,7 @@ QByteArray glbOf(const Curve &curve)
         {"extensionsUsed", QJsonArray{unlit}},
         {"scene", 0},
         {"scenes", QJsonArray{QJsonObject{{"nodes", QJsonArray{0}}}}},
-        // Half a turn about x, as in the view of the application: y points down and z away.
+        // Rotated by 180 degrees about x, as in the view of the application: y points down and z away.
         {"nodes", QJsonArray{QJsonObject{{"mesh", 0}, {"name", "curve"}, {"rotation", QJsonArray{1, 0, 0, 0}}}}},
         {"meshes", QJsonArray{QJsonObject{{"primitives", QJsonArray{primitive}}}}},
         {"materials", QJsonArray{QJsonObject{{"extensions", QJsonObject{{unlit, QJsonObject()}}}}}},

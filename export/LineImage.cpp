@@ -10,18 +10,18 @@
 // and the mean of each 16 samples is a pixel. QPainter's own antialiasing would blend the background into the joints,
 // and its stroker takes 1.2 times the time of filling the polygons below (3.5 times for wide lines).
 //
-// The image is divided recursively into tiles. In a tile, all that is farther than a line that covers the tile is left
-// out, so that wide lines do not fill each pixel thousands of times.
+// The image is divided recursively into tiles. In a tile, pieces behind lines that cover the whole tile are
+// skipped, so that wide lines do not fill each pixel thousands of times.
 
 namespace {
 
 constexpr int scale = 4; ///< samples per pixel in each direction
 
-/// Tiles have at most `largestTile` pixels a side. Tiles of more than `smallestTile` are divided while lines would fill
+/// Tiles have at most `maxTileSize` pixels a side. Tiles of more than `minTileSize` are divided while lines would fill
 /// them more than `maxFills` times. Measured at 1600x1600: every width takes less than five times the time of the
 /// default width.
-constexpr int largestTile = 256;
-constexpr int smallestTile = 32;
+constexpr int maxTileSize = 256;
+constexpr int minTileSize = 32;
 constexpr double maxFills = 30.0;
 
 /// A straight piece of the curve of one colour.
@@ -48,10 +48,10 @@ QRgb mixed(QRgb a, QRgb b, double part)
     return qRgb(mix(qRed(a), qRed(b)), mix(qGreen(a), qGreen(b)), mix(qBlue(a), qBlue(b)));
 }
 
-/// Appends the pieces of segment `i` of `drawing` to `pieces`: no longer than `longest`, so that nearness changes in
+/// Appends the pieces of segment `i` of `drawing` to `pieces`: no longer than `maxLength`, so that nearness changes in
 /// small steps, 1/16 pixel from a Bézier curve at most, and with colours that differ by 32 at most or pieces of 2
 /// pixels.
-void appendPieces(std::vector<Piece> &pieces, const Drawing &drawing, int i, double longest)
+void appendPieces(std::vector<Piece> &pieces, const Drawing &drawing, int i, double maxLength)
 {
     const QPointF a = drawing.position(i);
     const QPointF d = drawing.position(i + 1);
@@ -65,7 +65,7 @@ void appendPieces(std::vector<Piece> &pieces, const Drawing &drawing, int i, dou
     const QRgb color = vertexColor(drawing.colors, i);
     const QRgb next = vertexColor(drawing.colors, i + 1);
     const double steps = std::min(difference(color, next) / 32.0, length(d - a) / 2.0);
-    const double parts = std::max({length(d - a) / longest, std::sqrt(6.0 * bend / 8.0 * 16.0), steps});
+    const double parts = std::max({length(d - a) / maxLength, std::sqrt(6.0 * bend / 8.0 * 16.0), steps});
     const int count = static_cast<int>(std::ceil(std::clamp(parts, 1.0, 1000.0)));
     const auto at = [&](int k) {
         const double s = static_cast<double>(k) / count;
@@ -127,7 +127,7 @@ public:
         if (visible.empty())
             return;
         const int side = std::max(tile.width(), tile.height());
-        if (side > largestTile || (side > smallestTile && area > maxFills * tile.width() * tile.height())) {
+        if (side > maxTileSize || (side > minTileSize && area > maxFills * tile.width() * tile.height())) {
             const int width = (tile.width() + 1) / 2;
             const int height = (tile.height() + 1) / 2;
             for (const int y : {0, height}) {

@@ -5,7 +5,7 @@
 #include <QImage>
 
 /// The smallest line width of an image in pixels: thinner lines would fall apart into dots.
-constexpr double thinnestLine = 0.25;
+constexpr double minLineWidth = 0.25;
 
 /// Returns an image of `drawing` on `page`: antialiased, with round joins, and with colours interpolated between
 /// vertices. Nearer lines hide farther ones. At equal nearness, the later one is visible.

@@ -15,7 +15,6 @@ namespace {
 constexpr int maxFrames = 99999;
 constexpr int maxPixels = 16384;
 constexpr double maxMillimetres = 5000.0;
-constexpr double millimetresPerInch = 25.4;
 
 /// Shorter side of A0 to A6 in millimetres, by size, followed by the longer side of A0. The longer side of a size is
 /// the shorter side of the next larger one.
@@ -51,6 +50,7 @@ const Option optionTable[] = {
     {"frame-step", "N", "Frames of the animation from file to file", nullptr, 0, 1000, "1", 0, Needs::Frames},
     {"turn", "X,Y,Z", "Rotation about x, y and z", angles, 0, 0, "0,0,0", Picture},
     {"turn-step", "X,Y,Z", "Rotation added from file to file", angles, 0, 0, "0,0,0", Picture, Needs::Frames},
+    // setPage has the same limits and default values.
     {"size", "WxH", "Size of the page",
      "WxH in pixels for png, 1 to 16384, in millimetres for svg and pdf, 1 to 5000; WxHmm in millimetres; or a0 to a6",
      0, 0, "1600x1600 for png, else 200x200", Picture},
@@ -65,11 +65,6 @@ const Option optionTable[] = {
     {"background", "COLOR", "Colour of the page", "an SVG colour name, #rrggbb or none", 0, 0,
      "black for png, else none", Picture},
 };
-
-ExportError wrongUsage(const QString &problem, const QString &detail)
-{
-    return {ExportError::wrongUsage, problem, detail};
-}
 
 /// Returns the valid values of `option`.
 QString expectedValues(const Option &option)
@@ -341,7 +336,7 @@ void setPage(Options &options, const CommandLine &line)
             throw wrongValue("line-width", line.value("line-width"));
         lineWidth = *width;
     }
-    page.lineWidth = std::max(lineWidth * perUnit, isImage ? thinnestLine : 0.0);
+    page.lineWidth = std::max(lineWidth * perUnit, isImage ? minLineWidth : 0.0);
     if (line.isSet("margin")) {
         const auto margin = decimalNumber(line.value("margin"));
         const double smallerSide = std::min(page.width, page.height);

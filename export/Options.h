@@ -27,7 +27,7 @@ struct Options
     std::array<double, 3> turn = {}; ///< about x, y and z in degrees, less than a full turn
     std::array<double, 3> turnStep = {};
 
-    /// Returns the turn of frame `index`, from 0.
+    /// Returns the rotation of frame `index`, from 0.
     Turn turnOfFrame(int index) const;
 };
 

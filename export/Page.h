@@ -2,13 +2,15 @@
 
 #include <QColor>
 
-/// Rotations of the curve in 1/16 degree, 0 to 5759; see Camera.h.
+/// The rotation of the option --turn: about x, y and z in 1/16 degree, 0 to 5759; see Camera.h.
 struct Turn
 {
     int x = 0;
     int y = 0;
     int z = 0;
 };
+
+constexpr double millimetresPerInch = 25.4;
 
 /// The page that a curve is drawn on. Lengths are in pixels for images, in millimetres for other pictures.
 struct Page

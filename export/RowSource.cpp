@@ -17,11 +17,6 @@
 
 namespace {
 
-ExportError failure(const QString &problem, const QString &detail)
-{
-    return {ExportError::failure, problem, detail};
-}
-
 /// Returns whether the failed read of `file` can be repeated. Waits for data if the file is non-blocking, as standard
 /// input is if another program has made it so.
 bool canContinue(std::FILE *file)
@@ -41,10 +36,10 @@ bool canContinue(std::FILE *file)
 
 /// Returns the UTF-8 text of the file at `path`; "-" is standard input. Throws if it cannot be read or is too large.
 ///
-/// QFile makes standard input non-blocking and takes a pause of a pipe for its end.
+/// Uses stdio, because QFile makes standard input non-blocking and treats a pause of a pipe as its end.
 QString textOfFile(const QString &path)
 {
-    constexpr int maxBytes = 256 << 20; // an endless file or pipe must not exhaust the memory
+    constexpr int maxBytes = 256 << 20; // limits the memory that an endless file or pipe can take
     const auto unreadable = [&path] {
         return failure(QStringLiteral("cannot read rows"), path + QStringLiteral(": ") + qt_error_string(errno));
     };

@@ -154,7 +154,7 @@ QByteArray svgOf(const Drawing &drawing, const Page &page)
 QByteArray pdfOf(const Drawing &drawing, const Page &page)
 {
     constexpr int dotsPerInch = 1200;
-    constexpr double dotsPerMillimetre = dotsPerInch / 25.4;
+    constexpr double dotsPerMillimetre = dotsPerInch / millimetresPerInch;
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     QPdfWriter writer(&buffer);

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs the commands in the section Export of docs/MANUAL.md and in examples/web/README.md as they stand: each block in a
+# Runs the commands in the section Export of docs/MANUAL.md and in examples/web/README.md unchanged: each block in a
 # new folder in build/recipes, with an empty settings folder. Fails if a command fails, if pendrix3d-export prints a
 # warning, or if a file that a block names is missing or has another type than its extension says. Part of
 # scripts/long-checks.sh.
@@ -73,6 +73,7 @@ check_type() {
     ply) expected='PLY model' ;;
     png) expected='PNG image data' ;;
     svg) expected='SVG Scalable Vector Graphics image' ;;
+    *) echo "recipes.sh: no type for $1" >&2; return 1 ;;
   esac
   type=$(file --brief "$1")
   [[ $type == "$expected"* ]] || { echo "$1 is of type: $type" >&2; return 1; }

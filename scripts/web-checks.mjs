@@ -1,6 +1,6 @@
 // Checks glTF files and the page examples/web for scripts/web-checks.sh; run it in a folder with the npm packages.
 //   node web-checks.mjs SITE FIGURES PRESET ...
-// SITE is a copy of examples/web with its packages. FIGURES has for each preset N.glb, N.png and N-turned.png, which
+// SITE is a copy of examples/web with its packages. FIGURES has for each preset N.glb, N.png and N-rotated.png, which
 // is the curve of N.png as it is after a drag of `drag` pixels to the right. Writes screenshots of the page to FIGURES.
 // Exits with status 1 if the glTF validator reports anything, or if the page does not show the PNG pictures.
 import { once } from 'node:events';
@@ -15,7 +15,7 @@ const { chromium } = require('playwright-core');
 const { PNG } = require('pngjs');
 
 const [site, figures, ...presets] = process.argv.slice(2);
-const drag = 60; // OrbitControls turns by a full turn per height of the page: by 30 degrees for 720 pixels
+const drag = 60; // OrbitControls rotates by a full turn per height of the page: by 30 degrees for 720 pixels
 const required = 95; // percent
 
 let failed = false;
@@ -97,7 +97,7 @@ async function screenshot(page, path) {
 /// Checks that the page shows the curve of the PNG picture, before and after a drag.
 async function show(browser, address, preset) {
   const file = (name) => `${figures}/${preset}${name}`;
-  const [expected, turned] = ['.png', '-turned.png'].map((name) => PNG.sync.read(readFileSync(file(name))));
+  const [expected, rotated] = ['.png', '-rotated.png'].map((name) => PNG.sync.read(readFileSync(file(name))));
   copyFileSync(file('.glb'), `${site}/curve.glb`);
   const { width, height } = expected;
   const page = await browser.newPage({ viewport: { width, height } });
@@ -110,16 +110,16 @@ async function show(browser, address, preset) {
     check(match >= required, `preset ${preset}: ${text} of the bright pixels match the PNG picture`);
 
     // Fails if the comparison accepts any two pictures.
-    const [control, controlText] = compare(turned, before);
-    check(control < required, `preset ${preset}: ${controlText} match the turned PNG picture before the drag`);
+    const [control, controlText] = compare(rotated, before);
+    check(control < required, `preset ${preset}: ${controlText} match the rotated PNG picture before the drag`);
 
     await page.mouse.move(width / 2, height / 2);
     await page.mouse.down();
     await page.mouse.move(width / 2 + drag, height / 2, { steps: 6 });
     await page.mouse.up();
     await page.evaluate(() => new Promise((drawn) => requestAnimationFrame(() => requestAnimationFrame(drawn))));
-    const [turnedMatch, turnedText] = compare(turned, await screenshot(page, file('-page-turned.png')));
-    check(turnedMatch >= required, `preset ${preset}: ${turnedText} match the turned PNG picture after the drag`);
+    const [turnedMatch, turnedText] = compare(rotated, await screenshot(page, file('-page-rotated.png')));
+    check(turnedMatch >= required, `preset ${preset}: ${turnedText} match the rotated PNG picture after the drag`);
   } catch (error) {
     errors.push(error.message);
   }

@@ -27,7 +27,7 @@ for preset in "${presets[@]}"; do
   export_figure .glb
   # The page draws lines of one pixel. A drag by 60 of 720 pixels is a twelfth of a turn.
   export_figure .png --size 960x720 --line-width 1
-  export_figure -turned.png --size 960x720 --line-width 1 --turn 0,-30,0
+  export_figure -rotated.png --size 960x720 --line-width 1 --turn 0,-30,0
 done
 cd "$folder"
 node ../../scripts/web-checks.mjs site figures "${presets[@]}"

@@ -22,8 +22,8 @@ namespace {
 
 constexpr double pi = 3.14159265358979323846;
 
-/// Points per turn: time grows by 0.02 per point, and the frequencies are multiples of 1.
-constexpr double pointsPerTurn = 2.0 * pi / 0.02;
+/// Points per turn of an oscillator with frequency 1.
+constexpr double pointsPerTurn = 2.0 * pi / Pendrix3D::timeStep;
 
 /// Width and height of the drawing in its units.
 constexpr double side = 512.0;

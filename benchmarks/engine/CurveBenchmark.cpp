@@ -161,8 +161,9 @@ void allMethods(benchmark::internal::Benchmark *benchmark)
 
 void allMethodsAndModes(benchmark::internal::Benchmark *benchmark)
 {
-    benchmark->ArgNames({"method", "mode"})->ArgsProduct(
-        {benchmark::CreateDenseRange(0, 3, 1), benchmark::CreateDenseRange(0, Pendrix3D::colorModeCount, 1)});
+    benchmark->ArgNames({"method", "mode"})
+        ->ArgsProduct(
+            {benchmark::CreateDenseRange(0, 3, 1), benchmark::CreateDenseRange(0, Pendrix3D::colorModeCount, 1)});
 }
 
 } // namespace

@@ -20,7 +20,7 @@ QByteArray presetsBelow(const Rows &rows);
 /// outline. Only freq2 determines how far and to which side they reach.
 inline Row cone(float freq2)
 {
-    return {20.0F, freq2, 20.0F, 0.25F, 0.0F, 5.0F};
+    return {20.0F, freq2, 20.0F, 0.25F, 0.0F, -1.0F};
 }
 
 /// Returns eight rows with clearly different curves.

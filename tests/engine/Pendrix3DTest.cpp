@@ -182,7 +182,7 @@ private slots:
         pdx3.set(QVector<float>{1.0F, 2.0F, 3.0F, 0.1F, 0.2F, value});
         QCOMPARE(pdx3.colorMode, mode);
         QCOMPARE(snapshot().at(5), ::bitsOf(static_cast<float>(mode)));
-        if (mode < 0 || mode > 4) {
+        if (mode < 0 || mode >= Pendrix3D::colorModeCount) {
             QVERIFY(std::all_of(pdx3.colors.cbegin(), pdx3.colors.cend(),
                                 [](const QColor &color) { return color == QColor(0, 0, 255); }));
         }

@@ -170,14 +170,14 @@ private slots:
         // A line of a quarter of a pixel, the thinnest width, at many angles: every pixel row has a covered sample.
         for (int x = -80; x <= 80; x += 5) {
             const QImage image =
-                imageOfLine({{90.0, -5.0, 0.2, red}, {90.0 + x, 85.0, 0.2, red}}, 180, 80, thinnestLine, Qt::black);
+                imageOfLine({{90.0, -5.0, 0.2, red}, {90.0 + x, 85.0, 0.2, red}}, 180, 80, minLineWidth, Qt::black);
             for (int y = 0; y < 80; ++y) {
                 int brightest = 0;
                 for (int i = 0; i < 180; ++i)
                     brightest = std::max(brightest, qRed(image.pixel(i, y)));
                 QVERIFY2(brightest > 0, qPrintable(QString("%1: row %2").arg(x).arg(y)));
             }
-            const double expected = thinnestLine * std::hypot(x * 80.0 / 90.0, 80.0);
+            const double expected = minLineWidth * std::hypot(x * 80.0 / 90.0, 80.0);
             QVERIFY2(std::abs(coveredArea(image) - expected) < 0.15 * expected,
                      qPrintable(QString("%1: %2 instead of %3").arg(x).arg(coveredArea(image)).arg(expected)));
         }

@@ -102,8 +102,8 @@ private slots:
         // A line along the viewing direction.
         const Curve line = curveOf({0.0F, 0.0F, 1.0F, 0.0F, 0.0F, 0.0F});
         for (const Turn &turn : {Turn{0, 0, 0}, Turn{180 * 16, 0, 77}}) {
-            const Page seenAlong{300.0, 200.0, 4.0, Qt::black, turn};
-            QCOMPARE(fitted(line, seenAlong, 10.0).fit.scale, 1.0);
+            const Page alongView{300.0, 200.0, 4.0, Qt::black, turn};
+            QCOMPARE(fitted(line, alongView, 10.0).fit.scale, 1.0);
         }
         // Seen from the side, it has a length and no width.
         const Page fromSide = fitted(line, Page{300.0, 200.0, 4.0, Qt::black, {0, 90 * 16, 0}}, 10.0);

@@ -220,15 +220,15 @@ private slots:
         int touching = 0;
         for (int frame = 1; frame <= 4; ++frame) {
             const QImage image(path(QString("a-%1.png").arg(frame, 5, 10, QLatin1Char('0'))));
-            QRect box;
+            QRect bounds;
             for (int y = 0; y < 200; ++y) {
                 for (int x = 0; x < 200; ++x) {
                     if (image.pixel(x, y) != 0xFF000000U)
-                        box |= QRect(x, y, 1, 1);
+                        bounds |= QRect(x, y, 1, 1);
                 }
             }
-            all |= box;
-            touching += box.width() >= 159 || box.height() >= 159 ? 1 : 0;
+            all |= bounds;
+            touching += bounds.width() >= 159 || bounds.height() >= 159 ? 1 : 0;
         }
         QVERIFY(touching < 4);
         QVERIFY(std::max(all.width(), all.height()) >= 159 && std::max(all.width(), all.height()) <= 161);

@@ -72,7 +72,7 @@ private:
     const char *at;
 };
 
-/// Returns the place of the first difference of `csv` from the engine's curve, empty if there is none.
+/// Returns the position of the first difference of `csv` from the engine's curve, empty if there is none.
 QByteArray csvDifference(const QByteArray &csv)
 {
     Reader reader(csv);
@@ -87,7 +87,7 @@ QByteArray csvDifference(const QByteArray &csv)
     return reader.atEnd() ? "" : "end of the CSV";
 }
 
-/// Returns the place of the first difference of `ply` from the engine's curve, empty if there is none.
+/// Returns the position of the first difference of `ply` from the engine's curve, empty if there is none.
 QByteArray plyDifference(const QByteArray &ply)
 {
     Reader reader(ply);

@@ -38,8 +38,8 @@ Vector rotated(const Vector &v, const Vector &axis, double degrees)
     return result;
 }
 
-/// Returns the point turned as in the application's view. The eye is at z = 5.
-Vector turned(Vector v, const Page &page)
+/// Returns the point rotated as in the application's view. The eye is at z = 5.
+Vector rotated(Vector v, const Page &page)
 {
     v = rotated(v, {0.0, 0.0, 1.0}, page.turn.z / 16.0);
     v = rotated(v, {0.0, 1.0, 0.0}, page.turn.y / 16.0);
@@ -49,7 +49,7 @@ Vector turned(Vector v, const Page &page)
 /// Returns the position on the page at which the application's view shows `point`.
 QPointF pagePosition(const Vector &point, const Page &page)
 {
-    const Vector v = turned(point, page);
+    const Vector v = rotated(point, page);
     const double depth = 5.0 - v[2];
     const double halfHeight = std::tan(pi / 8.0) * depth; // of the view, in scene units
     return {page.width / 2.0 + v[0] / halfHeight * page.height / 2.0, page.height / 2.0 * (1.0 - v[1] / halfHeight)};
@@ -230,8 +230,8 @@ private slots:
     {
         const Curve curve = curveOf({0.0F, 1.0F, 0.0F, 0.0F, 0.0F, 0.0F}); // a horizontal line through the centre
         Page page{100, 100, 0.2, QColor(), {}};
-        const QRectF box = drawingOf(curve, page).box();
-        page.lineWidth = 2.0 * std::min(box.left(), 100.0 - box.right()) - 0.01; // to the edge of the page
+        const QRectF bounds = drawingOf(curve, page).bounds();
+        page.lineWidth = 2.0 * std::min(bounds.left(), 100.0 - bounds.right()) - 0.01; // to the edge of the page
         QVERIFY(!svgText(curve, page).contains("clip"));
         page.lineWidth += 0.02;
         const QStringList elements = parsed(svgText(curve, page)).elements;
@@ -264,7 +264,7 @@ private slots:
                 QVERIFY(!isFound.at(i));
                 isFound[i] = true;
                 const auto nearness = [&](int n) {
-                    return 1.0 / (5.0 - turned(vectorOf(curve.points.at(n)), page)[2]);
+                    return 1.0 / (5.0 - rotated(vectorOf(curve.points.at(n)), page)[2]);
                 };
                 const double mean = (nearness(i) + nearness(i + 1)) / 2.0;
                 QVERIFY(mean >= last - 1e-7);
