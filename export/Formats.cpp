@@ -8,7 +8,7 @@ const Format *formatOf(const QString &name)
     const auto *const found = std::find_if(std::begin(formats), std::end(formats), [&name](const Format &format) {
         return name.compare(QLatin1String(format.name), Qt::CaseInsensitive) == 0;
     });
-    return found == std::end(formats) ? nullptr : &*found;
+    return found == std::end(formats) ? nullptr : found;
 }
 
 QString formatNames(unsigned features, const QString &prefix)

@@ -154,16 +154,16 @@ public:
         parser.addPositionalArgument(QStringLiteral("FILE"),
                                      QStringLiteral("File to write; - is standard output and requires --format."));
         for (const Option &option : optionTable) {
-            QString help = QLatin1String(option.description);
+            QString text = QLatin1String(option.description);
             const QString expected = expectedValues(option);
             if (!expected.isEmpty())
-                help += QStringLiteral(": ") + expected;
-            help += QLatin1Char('.');
+                text += QStringLiteral(": ") + expected;
+            text += QLatin1Char('.');
             if (option.defaultValue != nullptr)
-                help += QStringLiteral(" Default: %1.").arg(QLatin1String(option.defaultValue));
+                text += QStringLiteral(" Default: %1.").arg(QLatin1String(option.defaultValue));
             if (option.features != 0)
-                help += QStringLiteral(" Only for %1.").arg(formatNames(option.features));
-            parser.addOption({QLatin1String(option.name), help, QLatin1String(option.value)});
+                text += QStringLiteral(" Only for %1.").arg(formatNames(option.features));
+            parser.addOption({QLatin1String(option.name), text, QLatin1String(option.value)});
         }
         parser.addOptions({
             {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Prints this help.")},
