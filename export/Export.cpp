@@ -26,7 +26,7 @@ Curve exportableCurve(const QVector<float> &row, const Options &options)
 {
     if (options.page.isSmooth) {
         for (int i = 0; i < 3; ++i) {
-            const double frequency = static_cast<double>(row.at(i));
+            const auto frequency = static_cast<double>(row.at(i));
             if (std::abs(frequency) > maxSmoothFrequency)
                 throw failure(QStringLiteral("cannot use --smooth"),
                               QStringLiteral("freq%1 is %2: above %3, the figure is made of the straight lines")
@@ -177,7 +177,7 @@ private:
     /// Computes the next frame. Not re-entrant, because the engine is global.
     Frame nextFrame()
     {
-        const Frame frame{frameIndex++, exportableCurve(nextRow, options)};
+        Frame frame{frameIndex++, exportableCurve(nextRow, options)};
         advance(nextRow, options.frameStep);
         return frame;
     }
@@ -210,7 +210,7 @@ private:
             return format.list(frame.curve);
         const Page framePage = pageOfFrame(frame.index);
         const Drawing drawing = drawingOf(frame.curve, framePage);
-        const QByteArray content = format.draw(drawing, framePage);
+        QByteArray content = format.draw(drawing, framePage);
         if (content.isEmpty())
             throw failure(QStringLiteral("cannot export"), QStringLiteral("not enough memory for the image"));
         if (!options.margin && leavesPage(drawing, framePage)) {

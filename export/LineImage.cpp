@@ -44,13 +44,13 @@ int difference(QRgb a, QRgb b)
 /// Returns the colour `part` (0 to 1) of the way from `a` to `b`.
 QRgb mixed(QRgb a, QRgb b, double part)
 {
-    const auto mix = [part](int from, int to) { return static_cast<int>(from + (to - from) * part + 0.5); };
+    const auto mix = [part](int from, int to) { return static_cast<int>(std::lround(from + (to - from) * part)); };
     return qRgb(mix(qRed(a), qRed(b)), mix(qGreen(a), qGreen(b)), mix(qBlue(a), qBlue(b)));
 }
 
-/// Appends the pieces of segment `i` of `drawing` to `pieces`: no longer than `maxLength`, so that nearness changes in
-/// small steps, 1/16 pixel from a Bézier curve at most, and with colours that differ by 32 at most or pieces of 2
-/// pixels.
+/// Appends the pieces of segment `i` of `drawing` to `pieces`. A piece is at most `maxLength` long, so that nearness
+/// changes in small steps, and at most 1/16 pixel from a Bézier curve. The colours of its ends differ by at most 32 in
+/// a channel, unless the piece is shorter than 2 pixels.
 void appendPieces(std::vector<Piece> &pieces, const Drawing &drawing, int i, double maxLength)
 {
     const QPointF a = drawing.position(i);
@@ -60,7 +60,7 @@ void appendPieces(std::vector<Piece> &pieces, const Drawing &drawing, int i, dou
     const QPointF c = isCurved ? drawing.controls.at(2 * i + 1) : d;
     const auto length = [](const QPointF &v) { return std::sqrt(QPointF::dotProduct(v, v)); };
     // The second derivative of a Bézier curve is at most 6 times the greater second difference. n chords of equal
-    // parameter are 1 / (8 n^2) of it from the curve.
+    // parameter steps deviate from the curve by at most 1 / (8 n^2) times this bound.
     const double bend = isCurved ? std::max(length(a - 2.0 * b + c), length(b - 2.0 * c + d)) : 0.0;
     const QRgb color = vertexColor(drawing.colors, i);
     const QRgb next = vertexColor(drawing.colors, i + 1);
