@@ -338,7 +338,6 @@ private slots:
             while (damaged.last().size() < good.size())
                 damaged.last() += static_cast<char>(random() % 2 == 0 ? good.at(damaged.last().size()) : random());
         }
-        // The memory of a process with a window depends on Qt and on the OpenGL driver.
         {
             const auto window = windowWith({});
             window->show();
@@ -360,7 +359,11 @@ private slots:
             QVERIFY2(screen.width() >= window->width() && screen.height() >= window->height(), bytes.toHex());
         }
 #ifndef PENDRIX_ADDRESS_SANITIZER
-        QVERIFY2(mostMemory() - before < 100 * 1024, QByteArray::number(static_cast<int>(mostMemory() - before)));
+        const long growth = mostMemory() - before;
+        QVERIFY2(growth < 100 * 1024, QByteArray::number(static_cast<int>(growth)));
+#if QT_VERSION < QT_VERSION_CHECK(6, 5, 0) // later versions and their OpenGL drivers need more for any window
+        QVERIFY2(before + growth < 200 * 1024, QByteArray::number(static_cast<int>(before + growth)));
+#endif
 #endif
     }
 
