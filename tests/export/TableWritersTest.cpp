@@ -150,7 +150,7 @@ QByteArray glbDifference(const QByteArray &glb)
             lowest[axis] = std::min(lowest[axis], position[axis]);
             highest[axis] = std::max(highest[axis], position[axis]);
             // The inverse of the conversion: a linear intensity as sRGB.
-            const double intensity = double(numberAt<float>(glb, offset + 12 * count));
+            const auto intensity = double(numberAt<float>(glb, offset + 12 * count));
             const double channel =
                 intensity <= 0.0031308 ? 12.92 * intensity : 1.055 * std::pow(intensity, 1.0 / 2.4) - 0.055;
             if (bitsOf(numberAt<float>(glb, offset)) != bitsOf(position[axis]) ||
