@@ -259,7 +259,7 @@ private slots:
             QVector<bool> isFound(16665, false);
             double last = 0.0;
             for (const Path &path : svg.paths) {
-                const int i = path.color.mid(1).toInt(nullptr, 16);
+                const int i = QStringView(path.color).mid(1).toInt(nullptr, 16);
                 QCOMPARE(path.points.size(), 2);
                 QVERIFY(!isFound.at(i));
                 isFound[i] = true;
