@@ -1,5 +1,5 @@
-# Qt 5 or Qt 6, and OpenGL. Sets PENDRIX_QT_MAJOR to the major version of Qt: that of the host project, if it has found
-# Qt; else that of PENDRIX_QT. Sets PENDRIX_OPENGL_WIDGETS to the target with QOpenGLWidget.
+# Qt 5 or Qt 6, and OpenGL. Sets PENDRIX_QT_MAJOR to the major version of Qt: the version that the host project has
+# found, or else PENDRIX_QT. Sets PENDRIX_OPENGL_WIDGETS to the target with QOpenGLWidget.
 set(PENDRIX_QT "" CACHE STRING "Major version of Qt: 5, 6, or empty for Qt 5 if it is found, else Qt 6")
 set_property(CACHE PENDRIX_QT PROPERTY STRINGS "" 5 6)
 if(NOT PENDRIX_QT MATCHES "^[56]?$")

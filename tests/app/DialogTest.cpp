@@ -60,7 +60,7 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(&window));
     }
 
-    void resetBoxAsksWithCancelAsDefault()
+    void resetDialogAsksWithCancelAsDefault()
     {
         QVERIFY(answer(window.ui->actionreset, [](QMessageBox &dialog) {
             QCOMPARE(dialog.text(), QString("This will reset parameters values to original preset"));

@@ -49,7 +49,7 @@ private slots:
         QVERIFY(RunningProgram::copy().startsWith("9\t9\t9\t9\t9\t9\n20\t-0.002\t"));
     }
 
-    void aboutBoxShowsPage()
+    void aboutDialogShowsPage()
     {
         choose("File", 2);
         QVERIFY(program.hasBox());
@@ -65,7 +65,7 @@ private slots:
         QCOMPARE(RunningProgram::copy(), changed);
     }
 
-    void confirmedResetOutlivesRestart()
+    void confirmedResetSurvivesRestart()
     {
         answerReset("OK");
         QCOMPARE(RunningProgram::copy(), presetText());

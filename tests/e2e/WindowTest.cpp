@@ -55,7 +55,7 @@ private slots:
         }
     }
 
-    void wholeScreenOutlivesRestart()
+    void wholeScreenSurvivesRestart()
     {
         RunningProgram::paste(textOf(distinctRows()));
         const QRect before = program.geometry();
